@@ -1,0 +1,34 @@
+# Warnings, hardening, sanitizers and coverage as INTERFACE targets; akhostmgmt_settings
+# bundles what this build asked for, and every target of the project links it.
+include(CheckPIESupported)
+check_pie_supported(LANGUAGES CXX)
+
+add_library(akhostmgmt_warnings INTERFACE)
+target_compile_options(akhostmgmt_warnings INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
+  -Wnon-virtual-dtor -Woverloaded-virtual -Wnull-dereference -Wformat=2 -Wno-format-nonliteral
+  -Wimplicit-fallthrough -Wundef -Wcast-qual
+  $<$<BOOL:${AKHOSTMGMT_WERROR}>:-Werror>)
+
+add_library(akhostmgmt_hardening INTERFACE)
+target_compile_options(akhostmgmt_hardening INTERFACE
+  $<$<CONFIG:RelWithDebInfo,Release>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>
+  -fstack-protector-strong -fstack-clash-protection)
+target_link_options(akhostmgmt_hardening INTERFACE
+  -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack -Wl,--as-needed)
+
+add_library(akhostmgmt_sanitizers INTERFACE)
+target_compile_options(akhostmgmt_sanitizers INTERFACE
+  -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+target_link_options(akhostmgmt_sanitizers INTERFACE -fsanitize=address,undefined)
+
+add_library(akhostmgmt_coverage INTERFACE)
+target_compile_options(akhostmgmt_coverage INTERFACE --coverage -fprofile-update=atomic)
+target_link_options(akhostmgmt_coverage INTERFACE --coverage)
+
+add_library(akhostmgmt_settings INTERFACE)
+target_link_libraries(akhostmgmt_settings INTERFACE
+  akhostmgmt_warnings
+  $<$<NOT:$<BOOL:${AKHOSTMGMT_SANITIZE}>>:akhostmgmt_hardening>
+  $<$<BOOL:${AKHOSTMGMT_SANITIZE}>:akhostmgmt_sanitizers>
+  $<$<BOOL:${AKHOSTMGMT_COVERAGE}>:akhostmgmt_coverage>)

@@ -1,0 +1,10 @@
+# Every library the project stands on, found once; all are packages of Debian 12.
+find_package(PkgConfig REQUIRED)
+find_package(OpenSSL 3 REQUIRED)
+find_package(CURL 7.85 REQUIRED)
+find_package(SQLite3 REQUIRED)
+find_package(Threads REQUIRED)
+pkg_check_modules(jansson REQUIRED IMPORTED_TARGET jansson)
+pkg_check_modules(ACE REQUIRED IMPORTED_TARGET ACE)
+pkg_check_modules(tomlplusplus REQUIRED IMPORTED_TARGET tomlplusplus)
+pkg_check_modules(cpp-httplib REQUIRED IMPORTED_TARGET cpp-httplib)

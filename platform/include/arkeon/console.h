@@ -1,0 +1,53 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace arkeon {
+
+/// The process's standard streams; nothing else touches them.
+///
+/// Bytes are exact where a stream is a pipe or a file. Where it is a terminal, control characters
+/// but newline and tab, and bytes that are not valid UTF-8, are shown in a visible form (`^[`,
+/// `\x9b`), so that no text of a server can steer the administrator's screen.
+class Console {
+public:
+    /// The console of this process, on descriptors 0, 1 and 2. On first use descriptors that were
+    /// closed at the start are taken, so that no file or socket opened later is mistaken for a
+    /// stream; writing to them fails as to a closed stream.
+    static Console& standard();
+
+    /// A console on other descriptors, which it does not own.
+    Console(int output, int error);
+    ~Console();
+    Console(const Console&) = delete;
+    Console& operator=(const Console&) = delete;
+
+    /// Appends to standard output, which is buffered. After a failed write further output is
+    /// dropped.
+    void write(std::string_view text);
+
+    /// Writes to standard error at once, after what standard output still holds.
+    void writeError(std::string_view text);
+
+    /// Writes out what standard output still holds.
+    /// @return whether all output so far was written
+    bool flush();
+
+    /// The errno value of the first write to standard output that failed, 0 when none did.
+    int outputError() const { return outputError_; }
+
+private:
+    int output_;
+    int error_;
+    bool outputIsTerminal_;
+    bool errorIsTerminal_;
+    int outputError_ = 0;
+    std::string buffer_;
+};
+
+/// `text` as it is shown on a terminal: C0 controls but newline and tab as `^X`, DEL as `^?`, C1
+/// controls (also in UTF-8 form) and bytes that are not valid UTF-8 (RFC 3629) as `\xHH`.
+std::string visibleText(std::string_view text);
+
+}  // namespace arkeon

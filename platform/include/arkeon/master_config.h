@@ -1,0 +1,27 @@
+#pragma once
+
+/// The master configuration, `<root>/etc/master.toml`, written by the administrator.
+
+/// The `[primary_server]` table.
+struct PrimaryServerRecord {
+    const char* name;  ///< null when the key is absent; may be empty
+};
+
+struct MasterConfig {
+    const PrimaryServerRecord* primary_server;  ///< null when there is no such table
+    bool active_node;                           ///< `[cluster]` says `active_node = true`
+};
+
+/// Reads the configuration. On failure the reason is in the debug log, with line and column where
+/// there is one, and an earlier configuration stays in place.
+/// @return 0, or 7650 when the file is missing, unreadable, not TOML, or a known key has the wrong
+///         type
+int AK_read_master_config();
+
+/// The configuration read last, owned by the platform and valid until the next successful read;
+/// null when none was read.
+const MasterConfig* get_master_config_ptr();
+
+/// True when this host is the active node of a cluster. Reads the master configuration when nobody
+/// has; one that cannot be read means not clustered.
+bool IsActiveClusterNode();
