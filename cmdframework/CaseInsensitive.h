@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+
+/// strcasecmp in the POSIX locale, whatever the terminal's language: in a Turkish locale "LIST" and
+/// "list" would otherwise be different options.
+/// @return below, equal to or above 0 as `a` sorts before, with or after `b`
+int compareIgnoringCase(const char* a, const char* b);
+
+inline bool equalIgnoringCase(const std::string& a, const std::string& b) {
+    return compareIgnoringCase(a.c_str(), b.c_str()) == 0;
+}
+
+/// The order of option names: byte strings that differ only in letter case are the same name.
+struct ciCompare {
+    bool operator()(const std::string& a, const std::string& b) const {
+        return compareIgnoringCase(a.c_str(), b.c_str()) < 0;
+    }
+};

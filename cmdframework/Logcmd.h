@@ -1,0 +1,67 @@
+#pragma once
+
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+class CRuntimecmd;
+
+/// Levels of log lines.
+namespace logLevel {
+
+inline constexpr int ordinary = 2;
+inline constexpr int failure = 16;
+
+}  // namespace logLevel
+
+/// The framework's front to the debug log. The driver's object opens the log; every other object
+/// writes to the same one.
+///
+/// A count shared by all objects decides whether lines are written: `init` raises it, each
+/// destructor lowers it, and the destructor that brings it to 0 closes the log. Copies and default
+/// construction leave it alone, so it wraps below 0 once the objects of a command are destroyed:
+/// lines are then written again, and the last lines of a run reach the log.
+class CLogcmd {
+public:
+    /// Receives every line as well: level, text and program name.
+    using Callback = int (*)(int level, const char* text, const char* name);
+
+    CLogcmd() = default;
+    CLogcmd(const CLogcmd&) = default;
+    CLogcmd& operator=(const CLogcmd&) = default;
+    virtual ~CLogcmd();
+
+    /// Takes the settings that are not null or empty and not set yet, opens the log when nobody has
+    /// and `directory`/`subDirectory` exists, and raises the use count. A missing folder is no
+    /// failure; `program` is then not taken.
+    /// @throws CRuntimecmd code 0 with the opener's status when the log cannot be opened
+    void
+    init(const char* directory, const char* program, const char* subDirectory, Callback callback);
+
+    /// Whether `directory`/`subDirectory` exists.
+    bool logDirectoryExists() const;
+
+    /// Writes one line under `name`, or under the program's name when `name` is null or empty.
+    /// Nothing happens while the use count is 0.
+    void logit(const char* text, int level, const char* name = nullptr) const;
+    void logit(const std::string& text, int level, const char* name = nullptr) const;
+
+    /// The same for a text in pieces, one of which may be very large: they are put together only
+    /// for a callback.
+    void logit(
+        std::initializer_list<std::string_view> pieces, int level,
+        const char* name = nullptr) const;
+
+    /// Writes "Run time failure: " and the failure's text as a failure.
+    void logit(const CRuntimecmd& failure) const;
+
+    static unsigned int useCount() { return use_count; }
+
+private:
+    static unsigned int use_count;
+
+    std::string programName;
+    std::string subDirectory;
+    std::string directory;
+    Callback callback = nullptr;
+};

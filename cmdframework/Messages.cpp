@@ -1,0 +1,36 @@
+#include "cmdframework/Messages.h"
+
+#include "arkeon/catalogue.h"
+
+#include <array>
+
+namespace {
+
+zvlocale localeOfEnvironment() {
+    static int status = 0;
+    zvlocale locale{};
+    zvgetlocaleEx(&locale, &status);
+    return locale;
+}
+
+}  // namespace
+
+void getMessage(
+    char* buf, unsigned long size, const char* id, const char* defaultText, const char* a1,
+    const char* a2, const char* a3) {
+    zvgetmsg(id, localeOfEnvironment(), buf, size, defaultText, a1, a2, a3);
+}
+
+void getMessage(char* buf, unsigned long size, const char* id, const char* defaultText, int n) {
+    zvgetmsg(id, localeOfEnvironment(), buf, size, defaultText, n);
+}
+
+const char* getECMessage(int status) {
+    return getECmsgl(status, localeOfEnvironment());
+}
+
+std::string messageText(const CatalogueText& message, const char* a1, const char* a2) {
+    std::array<char, operationTextSize> buffer{};
+    getMessage(buffer.data(), buffer.size(), message.id, message.text, a1, a2, nullptr);
+    return buffer.data();
+}

@@ -1,0 +1,126 @@
+#pragma once
+
+#include "cmdframework/Basecmd.h"
+#include "cmdframework/Usagecmd.h"
+#include "hostmgmt/Json.h"
+#include "hostmgmt/Messages.h"
+#include "hostmgmt/OptionNames.h"
+#include "hostmgmt/RestResources.h"
+
+#include <string>
+
+class AKClientCURL;
+
+/// The base of every operation: the rules that operations share, the JSON object that is first the
+/// request's body and then the server's reply, and the requests to the primary server.
+///
+/// Operations return 0 or a status code: the server's error code, or one of arkeon/status.h.
+class AkHostMgmtBaseOption : public CBasecmd {
+public:
+    /// `name` is the operation's option as given, `table` its options. The operation logs with the
+    /// settings of `log`.
+    AkHostMgmtBaseOption(
+        const char* name, CArgscmd args, const PARAMETERS* table, unsigned long count,
+        CLogcmd& log);
+    ~AkHostMgmtBaseOption() override;
+
+    /// Sets a member of the JSON object, replacing an earlier one.
+    /// @return 0
+    int setJSONObject(const char* key, const char* value);
+
+    /// The same for any value; takes over the caller's reference.
+    int setJSONObject(const char* key, json_t* value);
+
+    /// The JSON object in compact form.
+    std::string getJSONpayload();
+
+    /// Replaces the JSON object by the parsed text.
+    /// @return 0; 7610 when the text is not JSON: the object is then null, and the text is logged
+    int loadJSON(const char* text);
+
+    /// Reads a member of the JSON object.
+    /// @return 0; 7610 when it is absent or not of that type: `value` is then untouched
+    int getIntValue(const char* key, long& value);
+    int getStringValue(const char* key, std::string& value);
+
+    /// The relative URI of a resource, logged.
+    std::string getURI(OperationType operation, const std::string& hostId, const std::string& name);
+
+    /// Makes one request and decides whether it succeeded: the HTTP status is 200 or 201, or 204
+    /// for a DELETE or PATCH. A failure is shown on standard error.
+    /// @param name a host or mapping name, not encoded
+    /// @param response receives the reply's body, `httpCode` its status; untouched when there was
+    ///        no reply
+    /// @return 0, the client's status, or the code of the server's error reply (7610 when that has
+    ///         none)
+    int sendRequest(
+        OperationType operation, CurlRequestType method, const std::string& body, const char* name,
+        const char* hostId, std::string& response, int& httpCode, LoginType login);
+
+    /// Makes one request. Mind the order: here the host ID stands before the name.
+    /// @return 0 when a reply arrived, whatever its HTTP status, else a status code
+    int curlSendRequest(
+        OperationType operation, const char* hostId, const char* name, CurlRequestType method,
+        const std::string& body, std::string& response, int& httpCode, LoginType login);
+
+    /// Reads and logs the code and the message of a server's error reply.
+    /// @return 0; 7610, also in `errorCode`, when one of them is missing
+    int logErrorMessage(const std::string& reply, long& errorCode);
+
+    /// Shows the status line "Exit Status N: text" on standard error and logs the text; for 117 and
+    /// 118 the request to log in first. Nothing happens for 0.
+    void submitErrorStringForWebApi(int code);
+
+    /// The primary server: the option "server", else the master configuration's. When neither names
+    /// one, the reason is shown and logged.
+    /// @throws std::logic_error when the configuration names none; nothing catches it
+    std::string getMasterServer();
+
+    /// Finds the local host's own ID.
+    /// @return 0 or a status code; nothing is shown
+    int getHostIDfromCertmapinfo(std::string& hostId);
+
+    /// Finds the host ID of the host that the command line names: by its ID, or by a name that the
+    /// server is asked for.
+    /// @return 0, with a host ID that is not empty, or a status code, whose reason was shown
+    int getUuid(std::string& hostId);
+
+protected:
+    /// @name The rules that operations share
+    /// Each throws CUsagecmd when it is broken; all but the first log the text before.
+    /// @{
+    void rejectHelpAlias() const;
+    void rejectBoth(OptionName first, OptionName second) const;
+    void rejectSlashes(OptionName option, const CatalogueText& text) const;
+    void rejectLongerThan(unsigned long limit, OptionName option) const;
+    [[noreturn]] void refuse(usageExceptions code, const std::string& text) const;
+    /// @}
+
+    bool isGiven(OptionName option) const;
+
+    /// The value under the option's name when that is present, else under its alias.
+    std::string valueOf(OptionName option) const;
+
+    CLogcmd operationLog;
+    JsonRef payload;
+
+private:
+    JsonRef parseJSON(const char* text) const;
+    int auditHeaderLine(AKClientCURL& client, std::string& line) const;
+    int perform(
+        AKClientCURL& client, CurlRequestType method, const std::string& uri,
+        const std::string& body, const std::string& auditHeader) const;
+    int reportServerError(long errorCode, int httpCode);
+    int reportUnknownMapping() const;
+    int failLookup(int status);
+    int hostIdFromLookup(const std::string& reply, std::string& hostId);
+    std::string showWebLoginRequired() const;
+    void showStatus(int code, const std::string& text) const;
+};
+
+/// Whether a status says that the user has to log in first.
+bool isLoginFailure(int status);
+
+/// The type of the certificate that stands for the local host: 2, the cluster's, on the active node
+/// of a cluster, else 1, the host's.
+int localCertificateType();

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <jansson.h>
+#include <memory>
+
+struct JsonRelease {
+    void operator()(json_t* value) const { json_decref(value); }
+};
+
+/// A counted reference to a JSON value.
+using JsonRef = std::unique_ptr<json_t, JsonRelease>;
+
+/// The text of a string member: empty for JSON null, a null pointer when the member is absent or no
+/// string. Owned by `object`.
+const char* stringMember(const json_t* object, const char* key);
+
+/// Whether a member is JSON true.
+bool isTrue(const json_t* object, const char* key);
+
+/// The value of an integer member; 0 when it is absent or no integer.
+json_int_t integerMember(const json_t* object, const char* key);

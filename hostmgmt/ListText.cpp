@@ -1,0 +1,112 @@
+#include "hostmgmt/ListText.h"
+
+#include "arkeon/console.h"
+#include "arkeon/text.h"
+#include "cmdframework/Messages.h"
+
+#include <array>
+#include <cstring>
+#include <ctime>
+#include <iterator>
+
+namespace {
+
+constexpr int labelSize = 40;
+constexpr int trustVersionLabelSize = 64;
+constexpr std::size_t labelWidth = 40;
+constexpr std::size_t longestColumnText = 15;
+
+// By the number of the HeaderType.
+constexpr CatalogueText labels[] = {
+    catalogued("SmeHmm0039N", "Host ID"),
+    catalogued("SmeHmm0029N", "Mapped Names"),
+    catalogued("SmeHmm0020N", "Host"),
+    catalogued("SmeHmm0021N", "Master Server"),
+    catalogued("SmeHmm0022N", "OS Type"),
+    catalogued("SmeHmm0023N", "Operating System"),
+    catalogued("SmeHmm0024N", "Arkeon EEBs"),
+    catalogued("SmeHmm0071N", "Arkeon Packages"),
+    catalogued("SmeHmm0072N", "QxUpdate Platform"),
+    catalogued("SmeHmm0025N", "Hardware Description"),
+    catalogued("SmeHmm0026N", "CPU Architecture"),
+    catalogued("SmeHmm0027N", "Version"),
+    catalogued("SmeHmm0028N", "Secure"),
+    catalogued("SmeHmm0030N", "Mapped Host Name"),
+    catalogued("SmeHmm0031N", "Approved"),
+    catalogued("SmeHmm0032N", "Conflict"),
+    catalogued("SmeHmm0033N", "Auto-discovered"),
+    catalogued("SmeHmm0034N", "Shared"),
+    catalogued("SmeHmm0035N", "Created On"),
+    catalogued("SmeHmm0036N", "Last Updated On"),
+    catalogued("SmeHmm0037N", "Yes"),
+    catalogued("SmeHmm0038N", "No"),
+    catalogued("SmeHmm0041N", "Comment"),
+    catalogued("SmeHmm0055N", "Allow Auto Reissue Certificate"),
+    catalogued("SmeHmm0056N", "Allow Auto Reissue Certificate Validity"),
+    catalogued("SmeHmm0066N", "Subject Name of External Certificate"),
+    catalogued("SmeHmm0067N", "Arkeon CA Issued Certificate"),
+    catalogued("SmeHmm0168N", "Trust Version"),
+};
+
+}  // namespace
+
+void GetLocalizedString(HeaderType type, char* buffer, int size) {
+    const auto index = static_cast<std::size_t>(type);
+    if (index >= std::size(labels)) {
+        return;
+    }
+    getMessage(
+        buffer, static_cast<unsigned long>(size), labels[index].id, labels[index].text, nullptr,
+        nullptr, nullptr);
+}
+
+std::string labelText(HeaderType type) {
+    std::array<char, trustVersionLabelSize> buffer{};
+    GetLocalizedString(
+        type, buffer.data(), type == HeaderType::trustVersion ? trustVersionLabelSize : labelSize);
+    return buffer.data();
+}
+
+void GetLocalizedBoolString(const char* text, char* buffer, int size) {
+    const bool yes = std::strcmp(text, "Yes") == 0;
+    GetLocalizedString(yes ? HeaderType::yes : HeaderType::no, buffer, size);
+}
+
+const char* getTrimmedString(const char* key, json_t* object) {
+    json_t* value = json_object_get(object, key);
+    const char* text = json_is_null(value) ? "" : json_string_value(value);
+    if (text == nullptr || std::strlen(text) <= longestColumnText) {
+        return text;
+    }
+    const std::string cut = std::string(arkeon::cutText(text, longestColumnText)) + "~";
+    json_string_set(value, cut.c_str());
+    return json_string_value(value);
+}
+
+std::string localDateText(std::int64_t milliseconds) {
+    std::tm local{};
+    if (!arkeon::localTime(milliseconds / 1000, &local)) {
+        return {};
+    }
+    std::array<char, 100> text{};
+    std::strftime(text.data(), text.size(), "%b %d, %Y %I:%M:%S %p", &local);
+    return text.data();
+}
+
+void printAllowAutoReissueDetails(std::int64_t milliseconds) {
+    const std::string end = milliseconds == 0 ? std::string() : localDateText(milliseconds);
+    arkeon::Console::standard().write(
+        longLine(labelText(HeaderType::autoReissueValidity), end.c_str()));
+}
+
+std::string padded(const char* text, std::size_t width) {
+    std::string field = text == nullptr ? "(null)" : text;
+    if (field.size() < width) {
+        field.resize(width, ' ');
+    }
+    return field;
+}
+
+std::string longLine(const std::string& label, const char* value) {
+    return "\n" + padded(label.c_str(), labelWidth) + " : " + padded(value, 0);
+}

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "hostmgmt/Json.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+/// The labels of the listing.
+enum class HeaderType {
+    hostId = 0,
+    mappedNames = 1,
+    host = 2,
+    masterServer = 3,
+    osType = 4,
+    operatingSystem = 5,
+    eebs = 6,
+    packages = 7,
+    updatePlatform = 8,
+    hardwareDescription = 9,
+    cpuArchitecture = 10,
+    version = 11,
+    secure = 12,
+    mappedHostName = 13,
+    approved = 14,
+    conflict = 15,
+    autoDiscovered = 16,
+    shared = 17,
+    createdOn = 18,
+    lastUpdatedOn = 19,
+    yes = 20,
+    no = 21,
+    comment = 22,
+    autoReissue = 23,
+    autoReissueValidity = 24,
+    externalSubject = 25,
+    caIssued = 26,
+    trustVersion = 27,
+};
+
+/// Writes the catalogue's text of a label into `buffer`, cut to `size` - 1 bytes; any other number
+/// leaves the buffer untouched.
+void GetLocalizedString(HeaderType type, char* buffer, int size);
+
+/// The label in the room that labels have: 40 bytes, for the trust version 64, with the terminator.
+std::string labelText(HeaderType type);
+
+/// Writes the catalogue's "Yes" into `buffer` when `text` is exactly "Yes", else its "No".
+void GetLocalizedBoolString(const char* text, char* buffer, int size);
+
+/// The text of a string member of `object` for a narrow column: from 16 bytes on it is cut to its
+/// first 15 (no UTF-8 letter is split) and "~", also in `object`. Null when there is no text.
+const char* getTrimmedString(const char* key, json_t* object);
+
+/// Milliseconds since the epoch as local date and time, as in "Nov 21, 2026 08:15:30 AM"; the part
+/// of a second is dropped (towards zero). Empty for a year that does not fit.
+std::string localDateText(std::int64_t milliseconds);
+
+/// Prints the line of the end of the reissue permission, empty for 0.
+void printAllowAutoReissueDetails(std::int64_t milliseconds);
+
+/// `text` filled up with blanks to `width` bytes, as printf does; a null pointer is "(null)".
+std::string padded(const char* text, std::size_t width);
+
+/// The line "label : value" of the long listing, with the newline that begins it.
+std::string longLine(const std::string& label, const char* value);

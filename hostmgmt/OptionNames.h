@@ -1,0 +1,69 @@
+#pragma once
+
+/// The options of the command line, without their leading "-".
+
+/// The options that choose the operation; the driver tests them in this order.
+namespace topLevelAkHostMgmtOptions {
+
+inline constexpr const char* help = "help";
+inline constexpr const char* help_alias = "h";
+inline constexpr const char* lst = "list";
+inline constexpr const char* list_alias = "li";
+
+}  // namespace topLevelAkHostMgmtOptions
+
+/// The options of the operations.
+namespace individualAkHostMgmtCommandOptions {
+
+inline constexpr const char* server = "server";
+inline constexpr const char* server_alias = "s";
+inline constexpr const char* hostid = "hostid";
+inline constexpr const char* hostid_alias = "i";
+inline constexpr const char* host = "host";
+inline constexpr const char* host_alias = "n";
+inline constexpr const char* reason = "reason";
+inline constexpr const char* reason_alias = "r";
+inline constexpr const char* help = "help";
+inline constexpr const char* help_alias = "h";
+
+inline constexpr const char* short_output = "short";
+inline constexpr const char* short_output_alias = "l";
+inline constexpr const char* json = "json";
+inline constexpr const char* json_alias = "j";
+inline constexpr const char* json_compact = "json_compact";
+inline constexpr const char* json_compact_alias = "jc";
+inline constexpr const char* approved = "approved";
+inline constexpr const char* approved_alias = "ap";
+inline constexpr const char* pending = "pending";
+inline constexpr const char* pending_alias = "p";
+inline constexpr const char* conflict = "conflict";
+inline constexpr const char* conflict_alias = "cf";
+inline constexpr const char* apvmappings = "apvmappings";
+inline constexpr const char* apvmappings_alias = "am";
+
+}  // namespace individualAkHostMgmtCommandOptions
+
+/// An option with both its names, as the operations' rules speak of it.
+struct OptionName {
+    const char* name;
+    const char* alias;
+};
+
+namespace option {
+
+namespace names = individualAkHostMgmtCommandOptions;
+
+inline constexpr OptionName server{names::server, names::server_alias};
+inline constexpr OptionName hostid{names::hostid, names::hostid_alias};
+inline constexpr OptionName host{names::host, names::host_alias};
+inline constexpr OptionName reason{names::reason, names::reason_alias};
+inline constexpr OptionName help{names::help, names::help_alias};
+inline constexpr OptionName shortOutput{names::short_output, names::short_output_alias};
+inline constexpr OptionName json{names::json, names::json_alias};
+inline constexpr OptionName jsonCompact{names::json_compact, names::json_compact_alias};
+inline constexpr OptionName approved{names::approved, names::approved_alias};
+inline constexpr OptionName pending{names::pending, names::pending_alias};
+inline constexpr OptionName conflict{names::conflict, names::conflict_alias};
+inline constexpr OptionName apvmappings{names::apvmappings, names::apvmappings_alias};
+
+}  // namespace option
