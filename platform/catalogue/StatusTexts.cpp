@@ -1,0 +1,161 @@
+#include "arkeon/catalogue.h"
+#include "arkeon/status.h"
+#include "arkeon/text.h"
+#include "catalogue/Translate.h"
+
+#include <algorithm>
+#include <array>
+#include <stdexcept>
+#include <string_view>
+
+namespace arkeon {
+namespace {
+
+/// One status code, its context in the catalogue and its English text.
+struct StatusText {
+    int code;
+    const char* context;
+    const char* sentence;
+};
+
+constexpr std::string_view contextPrefix = "Status";
+
+/// The number at the end of "Status7610".
+constexpr int codeOf(std::string_view context) {
+    int code = 0;
+    for (const char digit : context.substr(contextPrefix.size())) {
+        code = code * 10 + (digit - '0');
+    }
+    return code;
+}
+
+/// One row. xgettext extracts it with `--keyword=statusText:2c,3`; a context that is not the code's
+/// does not compile.
+consteval StatusText statusText(int code, const char* context, const char* sentence) {
+    if (!std::string_view(context).starts_with(contextPrefix) || codeOf(context) != code) {
+        throw std::logic_error("the context must be \"Status\" and the code");
+    }
+    return {code, context, sentence};
+}
+
+constexpr std::array statusTexts{
+    statusText(status::success, "Status0", "The operation was successful."),
+    statusText(
+        status::generalFailure, "Status20",
+        "The operation failed; the debug log tells the reason."),
+    statusText(
+        status::noPrimaryServer, "Status37",
+        "No primary server is known; name it with -server or in the master configuration."),
+    statusText(
+        status::fileNotFound, "Status104",
+        "The file does not exist; check the path that was given."),
+    statusText(
+        status::loginRefused, "Status117",
+        "The stored login cannot be used: its file is damaged or others than its owner can access "
+        "it; log in again."),
+    statusText(status::loginExpired, "Status118", "The login has expired; log in again."),
+    statusText(
+        status::wrongCommandLine, "Status144",
+        "The command line is wrong; run the command with -help to see its options."),
+    statusText(
+        status::notLoggedIn, "Status5930",
+        "You are not logged in to the primary server; log in and run the command again."),
+    statusText(
+        status::unreadableReply, "Status7610",
+        "The server's reply could not be understood; check that the server is a primary server of "
+        "a supported version."),
+    statusText(
+        status::unresolvedServer, "Status7620",
+        "The server's name could not be resolved; check the name and the name service."),
+    statusText(
+        status::noConnection, "Status7621",
+        "No connection to the server could be made; check that it is running and that no firewall "
+        "is in the way."),
+    statusText(
+        status::timedOut, "Status7622",
+        "The server did not answer in time; check the network and the server, then try again."),
+    statusText(
+        status::untrustedServer, "Status7623",
+        "The server's certificate is not trusted, is not valid at this time or names another host; "
+        "check the clock, the server name and the authorities for this server."),
+    statusText(
+        status::handshakeFailed, "Status7624",
+        "The TLS handshake with the server failed; check that the server supports TLS 1.2 or newer "
+        "and accepts this host's certificate."),
+    statusText(
+        status::connectionBroke, "Status7625",
+        "The connection to the server broke before the reply was complete; check whether the "
+        "change was made before trying again."),
+    statusText(
+        status::invalidServerName, "Status7626",
+        "The server name is not valid; give a host name or an IP address without a port."),
+    statusText(
+        status::invalidRequestAddress, "Status7627",
+        "The request address is not valid; check the values given for blanks and control "
+        "characters."),
+    statusText(status::replyTooLarge, "Status7628", "The server's reply is too large."),
+    statusText(
+        status::clientFailure, "Status7629",
+        "The HTTPS client failed; the debug log tells the reason."),
+    statusText(
+        status::noCertificateRow, "Status7640",
+        "There is no certificate information for this server; enrol this host with it first."),
+    statusText(
+        status::malformedCertificateInfo, "Status7641",
+        "The certificate information cannot be read or is malformed; the debug log tells where."),
+    statusText(
+        status::unusableCertificate, "Status7642",
+        "The certificate, the private key or the authorities for this server cannot be read or "
+        "used; the debug log tells which file."),
+    statusText(
+        status::openPrivateKey, "Status7643",
+        "The private key's permissions are too open; only its owner may write it and only its "
+        "group may read it."),
+    statusText(
+        status::hostIdBufferTooSmall, "Status7644",
+        "The host ID in the certificate information is too long."),
+    statusText(
+        status::unreadableMasterConfig, "Status7650",
+        "The master configuration cannot be read; the debug log tells the reason."),
+    statusText(
+        status::outputFailed, "Status7651",
+        "The output could not be written; check the disk space and where the output goes."),
+    statusText(
+        status::emptyUri, "Status8614", "The operation has no request address at the server."),
+    statusText(
+        status::unknownName, "Status8701",
+        "The server does not know this name; check its spelling."),
+    statusText(
+        status::ambiguousHost, "Status8900",
+        "The host name belongs to more than one host; give the host ID instead."),
+    statusText(
+        status::unknownMapping, "Status8901",
+        "The host has no such mapped name; list its names to see which it has."),
+    statusText(status::noMappings, "Status8902", "The host has no mapped names to show."),
+};
+
+const char* translated(const zvlocale& locale, const char* context, const char* sentence) {
+    const char* text = translate(locale, context, sentence);
+    return text == nullptr ? sentence : text;
+}
+
+const char* unknownStatus(int status, const zvlocale& locale) {
+    static std::array<char, 512> buffer;
+    zvgetmsg(
+        "StatusUnknown", locale, buffer.data(), buffer.size(),
+        "The operation failed with status %d; the server's documentation may explain this code.",
+        status);
+    return buffer.data();
+}
+
+}  // namespace
+}  // namespace arkeon
+
+const char* getECmsgl(int status, const zvlocale& locale) {
+    const auto* row = std::find_if(
+        arkeon::statusTexts.begin(), arkeon::statusTexts.end(),
+        [status](const arkeon::StatusText& text) { return text.code == status; });
+    return row == arkeon::statusTexts.end()
+               ? arkeon::unknownStatus(status, locale)
+               : arkeon::translated(locale, row->context, row->sentence);
+}

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+
+namespace arkeon {
+
+/// The value of an environment variable; empty when it is not set, and in a process with more
+/// rights than its user (secure_getenv(3)).
+std::string environment(const char* name);
+
+/// `<root>`: ARKEON_ROOT when set and not empty, else the place of the installed system.
+std::string rootDirectory();
+
+/// The user's login file; empty when the user has no home folder.
+std::string loginFile();
+
+}  // namespace arkeon

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <sys/stat.h>
+
+namespace arkeon {
+
+/// No file that the platform reads is larger.
+inline constexpr std::size_t largestFile = std::size_t{16} * 1024 * 1024;
+
+/// A file as it was when it was opened. What counts is the opened file, not its name: the mode and
+/// the owner come from the descriptor.
+struct FileContent {
+    int error = 0;       ///< 0, or the errno value of what went wrong
+    std::string reason;  ///< `error` in words
+    std::string text;    ///< the whole content when there is no error
+    mode_t mode = 0;
+    uid_t owner = 0;
+};
+
+/// Reads a whole regular file of at most `limit` bytes. Never waits: a FIFO or a device is refused,
+/// not opened for a writer to come.
+FileContent readFile(const std::string& path, std::size_t limit = largestFile);
+
+}  // namespace arkeon

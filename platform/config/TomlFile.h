@@ -1,0 +1,25 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <toml++/toml.h>
+
+namespace arkeon {
+
+/// What became of reading a TOML file.
+enum class TomlResult {
+    read,
+    missing,    ///< there is no such file; nothing was logged
+    unreadable  ///< it cannot be read or is not TOML; the reason is in the debug log
+};
+
+/// Reads `path` into `table`.
+TomlResult readToml(const std::string& path, toml::table& table);
+
+/// "FILE, line L, column C", for the log.
+std::string place(const std::string& path, const toml::source_region& region);
+
+/// The text of `node`, if it is a text that a C string can hold.
+std::optional<std::string> plainText(const toml::node* node);
+
+}  // namespace arkeon

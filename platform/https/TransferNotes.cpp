@@ -1,0 +1,123 @@
+#include "https/TransferNotes.h"
+
+#include <exception>
+#include <openssl/ssl.h>
+#include <string_view>
+#include <sys/socket.h>
+
+namespace arkeon {
+namespace {
+
+TransferNotes& notesOf(void* data) {
+    return *static_cast<TransferNotes*>(data);
+}
+
+std::size_t onBody(char* data, std::size_t one, std::size_t size, void* context) {
+    TransferNotes& notes = notesOf(context);
+    if (size > notes.bodyLimit - notes.body.size()) {
+        notes.bodyTooLarge = true;
+        return 0;
+    }
+    try {
+        notes.body.append(data, size);
+    } catch (const std::exception&) {
+        notes.outOfMemory = true;
+        return 0;
+    }
+    return one * size;
+}
+
+/// An interim reply (1xx) has a head of its own; the final reply's status line starts anew.
+std::size_t onHeader(char* data, std::size_t one, std::size_t size, void* context) {
+    TransferNotes& notes = notesOf(context);
+    const std::string_view line(data, size);
+    notes.replyBegun = true;
+    if (line.starts_with("HTTP/")) {
+        const std::size_t blank = line.find(' ');
+        const bool interim =
+            blank != std::string_view::npos && line.substr(blank + 1).starts_with('1');
+        notes.replyHeadWhole = false;
+        notes.replyIsInterim = interim;
+    } else if (line == "\r\n" || line == "\n") {
+        notes.replyHeadWhole = !notes.replyIsInterim;
+    }
+    return one * size;
+}
+
+int onDebug(
+    CURL* /*handle*/, curl_infotype type, char* /*data*/, std::size_t /*size*/, void* context) {
+    if (type == CURLINFO_HEADER_OUT) {
+        notesOf(context).requestSent = true;
+    }
+    return 0;
+}
+
+/// On a kept connection that turns out dead libcurl sends the request again, a PATCH as well,
+/// though the server may have carried it out. Neither a new connection nor another kept one is
+/// given to it.
+bool refuseResend(TransferNotes& notes) {
+    notes.resendRefused = notes.resendRefused || notes.requestSent;
+    return notes.resendRefused;
+}
+
+curl_socket_t onSocket(void* context, curlsocktype /*purpose*/, curl_sockaddr* address) {
+    if (refuseResend(notesOf(context))) {
+        return CURL_SOCKET_BAD;
+    }
+    return socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+}
+
+int onRequest(void* context, char* /*peer*/, char* /*local*/, int /*peerPort*/, int /*localPort*/) {
+    return refuseResend(notesOf(context)) ? CURL_PREREQFUNC_ABORT : CURL_PREREQFUNC_OK;
+}
+
+int notesIndex() {
+    static const int index = SSL_CTX_get_ex_new_index(0, nullptr, nullptr, nullptr, nullptr);
+    return index;
+}
+
+void onTlsState(const SSL* connection, int where, int value) {
+    constexpr int levelShift = 8;
+    if ((where & SSL_CB_READ_ALERT) == SSL_CB_READ_ALERT && value >> levelShift == SSL3_AL_FATAL) {
+        notesOf(SSL_CTX_get_ex_data(SSL_get_SSL_CTX(connection), notesIndex())).alertReceived =
+            true;
+    }
+}
+
+CURLcode onTlsContext(CURL* /*handle*/, void* sslContext, void* context) {
+    auto* tls = static_cast<SSL_CTX*>(sslContext);
+    // libcurl sets the option; a connection cut off would then pass for an orderly end.
+    SSL_CTX_clear_options(tls, SSL_OP_IGNORE_UNEXPECTED_EOF);
+    SSL_CTX_set_info_callback(tls, onTlsState);
+    return SSL_CTX_set_ex_data(tls, notesIndex(), context) == 1 ? CURLE_OK : CURLE_OUT_OF_MEMORY;
+}
+
+/// Sets a callback and its context.
+template <typename Callback>
+CURLcode connect(
+    CURL* handle, CURLoption function, Callback callback, CURLoption data, TransferNotes& notes) {
+    const CURLcode result = curl_easy_setopt(handle, function, callback);
+    return result == CURLE_OK ? curl_easy_setopt(handle, data, static_cast<void*>(&notes)) : result;
+}
+
+}  // namespace
+
+CURLcode takeNotes(CURL* handle, TransferNotes& notes) {
+    const CURLcode results[] = {
+        connect(handle, CURLOPT_WRITEFUNCTION, onBody, CURLOPT_WRITEDATA, notes),
+        connect(handle, CURLOPT_HEADERFUNCTION, onHeader, CURLOPT_HEADERDATA, notes),
+        connect(handle, CURLOPT_DEBUGFUNCTION, onDebug, CURLOPT_DEBUGDATA, notes),
+        connect(handle, CURLOPT_OPENSOCKETFUNCTION, onSocket, CURLOPT_OPENSOCKETDATA, notes),
+        connect(handle, CURLOPT_PREREQFUNCTION, onRequest, CURLOPT_PREREQDATA, notes),
+        connect(handle, CURLOPT_SSL_CTX_FUNCTION, onTlsContext, CURLOPT_SSL_CTX_DATA, notes),
+        // The debug callback is called only then; it takes the place of the output to stderr.
+        curl_easy_setopt(handle, CURLOPT_VERBOSE, 1L)};
+    for (const CURLcode result : results) {
+        if (result != CURLE_OK) {
+            return result;
+        }
+    }
+    return CURLE_OK;
+}
+
+}  // namespace arkeon

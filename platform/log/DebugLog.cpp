@@ -1,0 +1,62 @@
+#include "arkeon/debug_log.h"
+
+#include "log/LogFile.h"
+#include "log/LogLine.h"
+
+#include <cerrno>
+#include <exception>
+#include <unistd.h>
+
+namespace arkeon {
+namespace {
+
+LogFile& debugLog() {
+    static LogFile file;
+    return file;
+}
+
+std::string_view textOrEmpty(const char* text) {
+    return text == nullptr ? std::string_view() : std::string_view(text);
+}
+
+std::string logPath(const char* root, const char* directory, const char* name) {
+    return std::string(root) + '/' + directory + '/' + name + '.' + logDay(std::time(nullptr)) +
+           ".log";
+}
+
+void appendLine(int level, std::initializer_list<std::string_view> pieces, std::string_view name) {
+    if (debugLog().known()) {
+        LogStamp stamp{{}, getpid(), level, name};
+        clock_gettime(CLOCK_REALTIME, &stamp.time);
+        debugLog().append(logLine(stamp, pieces));
+    }
+}
+
+}  // namespace
+}  // namespace arkeon
+
+int open_debug_log(
+    const char* root, const char* directory, const char* name, unsigned mode, int* status) {
+    *status = arkeon::debugLog().open(arkeon::logPath(root, directory, name), mode);
+    return *status == 0 ? 0 : -1;
+}
+
+void logmsg(int level, const char* text, const char* name) {
+    logmsg(level, {arkeon::textOrEmpty(text)}, arkeon::textOrEmpty(name));
+}
+
+/// Whatever fails here, the caller goes on as if there were no log: errno stays what it was.
+void logmsg(int level, std::initializer_list<std::string_view> pieces, std::string_view name) {
+    const int callersErrno = errno;
+    try {
+        arkeon::appendLine(level, pieces, name);
+    } catch (const std::exception&) {
+        // Without memory for the line there is none.
+        errno = callersErrno;
+    }
+    errno = callersErrno;
+}
+
+void close_debug_log() {
+    arkeon::debugLog().release();
+}

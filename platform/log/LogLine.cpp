@@ -1,0 +1,115 @@
+#include "log/LogLine.h"
+
+#include "arkeon/text.h"
+#include "text/Utf8.h"
+
+#include <array>
+
+namespace arkeon {
+namespace {
+
+void appendHex(std::string& line, char letter) {
+    constexpr std::string_view digits = "0123456789abcdef";
+    const unsigned byte = static_cast<unsigned char>(letter);
+    line += "\\x";
+    line += digits[byte >> 4U];
+    line += digits[byte & 0xFU];
+}
+
+void appendControl(std::string& line, char letter) {
+    if (letter == '\n') {
+        line += "\\n";
+    } else if (letter == '\t') {
+        line += "\\t";
+    } else {
+        appendHex(line, letter);
+    }
+}
+
+/// C0 and DEL; C1 as well as a single byte, which a terminal in an 8-bit character set obeys.
+bool isControlByte(char letter) {
+    const unsigned byte = static_cast<unsigned char>(letter);
+    return byte < 0x20U || (byte >= 0x7FU && byte <= 0x9FU);
+}
+
+/// Appends `text` with its control characters in a visible form; other bytes stay as they are.
+void appendEscaped(std::string& line, std::string_view text) {
+    while (!text.empty()) {
+        const std::size_t length = utf8LetterLength(text);
+        if (startsWithUtf8C1(text)) {
+            appendHex(line, text[0]);
+            appendHex(line, text[1]);
+        } else if (length <= 1 && isControlByte(text[0])) {
+            appendControl(line, text[0]);
+        } else {
+            line += text.substr(0, length == 0 ? 1 : length);
+        }
+        text.remove_prefix(length == 0 ? 1 : length);
+    }
+}
+
+std::string formatTime(const std::tm& local, const char* format) {
+    std::array<char, 64> text{};
+    const std::size_t length = std::strftime(text.data(), text.size(), format, &local);
+    return {text.data(), length};
+}
+
+void appendStamp(std::string& line, const LogStamp& stamp) {
+    constexpr long nanosecondsPerMillisecond = 1'000'000;
+    std::tm local{};
+    localTime(stamp.time.tv_sec, &local);
+    std::array<char, 8> milliseconds{};
+    boundedFormat(
+        milliseconds.data(), milliseconds.size(), ".%03ld",
+        stamp.time.tv_nsec / nanosecondsPerMillisecond);
+    line += formatTime(local, "%Y-%m-%dT%H:%M:%S") + milliseconds.data() + formatTime(local, "%z");
+    line += ' ' + std::to_string(stamp.process) + ' ' + std::to_string(stamp.level) + ' ';
+    appendEscaped(line, stamp.name);
+    line += ": ";
+}
+
+/// The text's length without one final newline.
+std::size_t textLength(std::initializer_list<std::string_view> pieces) {
+    std::size_t length = 0;
+    bool endsInNewline = false;
+    for (const std::string_view piece : pieces) {
+        length += piece.size();
+        endsInNewline = piece.empty() ? endsInNewline : piece.back() == '\n';
+    }
+    return endsInNewline ? length - 1 : length;
+}
+
+/// Appends the first `room` bytes of the text, without splitting a UTF-8 letter.
+void appendText(
+    std::string& line, std::initializer_list<std::string_view> pieces, std::size_t room) {
+    for (const std::string_view piece : pieces) {
+        const std::string_view fitting = cutText(piece, room);
+        appendEscaped(line, fitting);
+        if (fitting.size() < piece.size()) {
+            return;
+        }
+        room -= fitting.size();
+    }
+}
+
+}  // namespace
+
+std::string logLine(const LogStamp& stamp, std::initializer_list<std::string_view> pieces) {
+    std::string line;
+    appendStamp(line, stamp);
+    const std::size_t length = textLength(pieces);
+    appendText(line, pieces, length < longestLogText ? length : longestLogText);
+    if (length > longestLogText) {
+        line += "... [cut, " + std::to_string(length) + " bytes in all]";
+    }
+    line += '\n';
+    return line;
+}
+
+std::string logDay(std::time_t time) {
+    std::tm local{};
+    localTime(time, &local);
+    return formatTime(local, "%Y%m%d");
+}
+
+}  // namespace arkeon

@@ -1,0 +1,57 @@
+#include "arkeon/console.h"
+#include "text/Utf8.h"
+
+namespace arkeon {
+namespace {
+
+constexpr unsigned deleteByte = 0x7F;
+
+void appendHex(std::string& shown, unsigned byte) {
+    constexpr std::string_view digits = "0123456789abcdef";
+    shown += "\\x";
+    shown += digits[byte >> 4U];
+    shown += digits[byte & 0xFU];
+}
+
+/// `^X`: the key that types the control character.
+void appendCaret(std::string& shown, unsigned byte) {
+    constexpr unsigned keyBit = 0x40;
+    shown += '^';
+    shown += static_cast<char>(byte ^ keyBit);
+}
+
+bool isShownAsCaret(char letter) {
+    const unsigned byte = static_cast<unsigned char>(letter);
+    return (byte < ' ' && letter != '\n' && letter != '\t') || byte == deleteByte;
+}
+
+/// Appends the first letter or byte of `text` in visible form.
+/// @return how many bytes of `text` that was
+std::size_t appendVisible(std::string& shown, std::string_view text) {
+    const std::size_t length = utf8LetterLength(text);
+    if (length == 0) {
+        appendHex(shown, static_cast<unsigned char>(text[0]));
+        return 1;
+    }
+    if (startsWithUtf8C1(text)) {
+        appendHex(shown, static_cast<unsigned char>(text[1]));
+    } else if (isShownAsCaret(text[0])) {
+        appendCaret(shown, static_cast<unsigned char>(text[0]));
+    } else {
+        shown += text.substr(0, length);
+    }
+    return length;
+}
+
+}  // namespace
+
+std::string visibleText(std::string_view text) {
+    std::string shown;
+    shown.reserve(text.size());
+    while (!text.empty()) {
+        text.remove_prefix(appendVisible(shown, text));
+    }
+    return shown;
+}
+
+}  // namespace arkeon

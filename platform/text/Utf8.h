@@ -1,0 +1,15 @@
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+namespace arkeon {
+
+/// The length (1 to 4) of the well-formed UTF-8 letter (RFC 3629) at the start of `text`; 0 when
+/// there is none: the text is empty, ill-formed or ends inside the letter.
+std::size_t utf8LetterLength(std::string_view text);
+
+/// Whether `text` starts with a C1 control character (U+0080 to U+009F) in UTF-8 form.
+bool startsWithUtf8C1(std::string_view text);
+
+}  // namespace arkeon
