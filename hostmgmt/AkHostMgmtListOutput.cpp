@@ -189,14 +189,14 @@ void AkHostMgmtList::printShortNames(const json_t* host, const char* primaryName
     }
     const json_t* mappings = json_object_get(host, "hostMappings");
     for (std::size_t i = 0; i < json_array_size(mappings); ++i) {
-        const char* name = mappedName(json_array_get(mappings, i));
-        if (std::strcmp(name, primaryName) == 0) {
+        const char* alternate = mappedName(json_array_get(mappings, i));
+        if (std::strcmp(alternate, primaryName) == 0) {
             continue;
         }
         if (primaryFirst || i != 0) {
             console.write(", ");
         }
-        console.write(name);
+        console.write(alternate);
     }
 }
 
@@ -237,9 +237,9 @@ void AkHostMgmtList::printMappingRow(json_t* mapping, const char* approval) {
     const ListLabels& label = labels();
     const std::string created = localDateText(integerMember(mapping, "createdOn"));
     const std::string updated = localDateText(integerMember(mapping, "updatedOn"));
-    const char* name = getTrimmedString("mappedHostName", mapping);
+    const char* mapped = getTrimmedString("mappedHostName", mapping);
     Console::standard().write(tableLine(
-        {name == nullptr ? "" : name, label.boolean(approval),
+        {mapped == nullptr ? "" : mapped, label.boolean(approval),
          label.boolean(yesOrNo(mapping, "isConflicting")), label.boolean(autoDiscovered(mapping)),
          label.boolean(yesOrNo(mapping, "isShared")), created.c_str(), updated.c_str()}));
 }

@@ -1,0 +1,118 @@
+#include "cmdframework/Parameterscmd.h"
+
+#include "support/Throws.h"
+
+#include <gtest/gtest.h>
+#include <vector>
+
+namespace {
+
+constexpr AllowedValue yesNo[] = {{"TestPar0001N", "yes"}, {"TestPar0002N", "no"}};
+
+const PARAMETERS table[] = {
+    {3, "third", "t", 0, parameterTypes::path},
+    {1, "first", "s", 1, parameterTypes::string, yesNo, 2},
+    {2, "second", "first", 0, parameterTypes::unsignedInteger},
+    {4, "fourth", "", 0, parameterTypes::none, yesNo, 2},
+};
+
+std::vector<std::uint32_t> idsOf(const CParameterscmd& params) {
+    std::vector<std::uint32_t> ids;
+    for (const auto& [id, row] : params) {
+        ids.push_back(id);
+    }
+    return ids;
+}
+
+TEST(Parameterscmd, RowsAreWalkedInTheOrderOfIds) {
+    EXPECT_EQ(idsOf(CParameterscmd(table, 4)), (std::vector<std::uint32_t>{1, 2, 3, 4}));
+}
+
+TEST(Parameterscmd, TheFirstRowWithAnIdWins) {
+    const PARAMETERS twice[] = {
+        {1, "one", "o", 0, parameterTypes::none}, {1, "uno", "u", 0, parameterTypes::none}};
+    const CParameterscmd params(twice, 2);
+    EXPECT_EQ(params.size(), 1U);
+    EXPECT_EQ(params.find("one")->second.alias, "o");
+    EXPECT_EQ(params.find("uno"), params.end());
+}
+
+TEST(Parameterscmd, ANullListIsRefusedByTheConstructorOnly) {
+    EXPECT_EQ(
+        runTimeFailureOf([] { const CParameterscmd params(nullptr, 0); }),
+        "The command parameters list is NULL. => 20");
+    CParameterscmd params;
+    params.addParameters(nullptr, 5);
+    EXPECT_TRUE(params.empty());
+}
+
+TEST(Parameterscmd, ACountOfZeroGivesAnEmptyTable) {
+    EXPECT_TRUE(CParameterscmd(table, 0).empty());
+}
+
+TEST(Parameterscmd, AddParametersKeepsWhatIsThere) {
+    CParameterscmd params(table, 2);
+    const PARAMETERS more[] = {
+        {1, "other", "x", 0, parameterTypes::none}, {9, "ninth", "n", 0, parameterTypes::none}};
+    params.addParameters(more, 2);
+    EXPECT_EQ(idsOf(params), (std::vector<std::uint32_t>{1, 3, 9}));
+    EXPECT_EQ(params.find("first")->second.id, 1U);
+    params.addParameters(more, 0);
+    EXPECT_EQ(params.size(), 3U);
+}
+
+TEST(Parameterscmd, FindsByNameAndAliasInAnyLetterCase) {
+    CParameterscmd params(table, 4);
+    const CParameterscmd& constant = params;
+    EXPECT_EQ(params.find("S")->second.name, "first");
+    EXPECT_EQ(constant.find("THIRD")->second.id, 3U);
+    EXPECT_EQ(constant.find("unknown"), constant.end());
+}
+
+TEST(Parameterscmd, ANameThatIsAlsoAnAliasResolvesToTheLowerId) {
+    EXPECT_EQ(CParameterscmd(table, 4).find("first")->second.id, 1U);
+}
+
+TEST(Parameterscmd, ParameterTypes) {
+    const CParameterscmd params(table, 4);
+    EXPECT_EQ(params.parameterType("T"), parameterTypes::path);
+    EXPECT_EQ(params.parameterType("second"), parameterTypes::unsignedInteger);
+    EXPECT_EQ(params.parameterType("unknown"), parameterTypes::none) << "as a flag";
+}
+
+TEST(Parameterscmd, TypeWords) {
+    const CParameterscmd params;
+    EXPECT_STREQ(params.usageStringFor(parameterTypes::none), "none");
+    EXPECT_STREQ(params.usageStringFor(parameterTypes::string), "string");
+    EXPECT_STREQ(params.usageStringFor(parameterTypes::path), "string");
+    EXPECT_STREQ(params.usageStringFor(parameterTypes::unsignedInteger), "unsigned integer");
+    EXPECT_STREQ(params.usageStringFor(static_cast<parameterTypes>(17)), "none");
+}
+
+TEST(Parameterscmd, AllowedValuesAreListedForOptionsThatTakeAValue) {
+    const CParameterscmd params;
+    EXPECT_EQ(params.usageStringFor(table[1]), " [ yes | no ]");
+    EXPECT_EQ(params.usageStringFor(table[0]), "");
+    EXPECT_EQ(params.usageStringFor(table[3]), "") << "a flag takes no value";
+}
+
+TEST(Parameterscmd, UsageStringBreaksBeforeColumn80) {
+    EXPECT_EQ(
+        CParameterscmd(table, 4).usageString(),
+        "-first|-s string [ yes | no ] -second|-first unsigned integer -third|-t string\n"
+        "-fourth none");
+}
+
+TEST(Parameterscmd, UsageStringFillsALineTo79Columns) {
+    const PARAMETERS rows[] = {
+        {1, std::string(50, 'a'), "", 0, parameterTypes::none},
+        {2, std::string(16, 'b'), "", 0, parameterTypes::none},
+        {3, "c", "", 0, parameterTypes::none},
+    };
+    const std::string text = CParameterscmd(rows, 3).usageString();
+    EXPECT_EQ(text.find('\n'), 79U);
+    EXPECT_EQ(text.substr(80), "-c none");
+    EXPECT_EQ(CParameterscmd().usageString(), "");
+}
+
+}  // namespace

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "cmdframework/Logcmd.h"
+
+#include <string>
+#include <vector>
+
+/// A command log whose lines are kept as "LEVEL text" (with the callback, so no file is needed).
+class LogLines {
+public:
+    LogLines() {
+        kept().clear();
+        log.init("", "akhostmgmt", "", keep);
+    }
+
+    static const std::vector<std::string>& lines() { return kept(); }
+
+    CLogcmd log;
+
+private:
+    static std::vector<std::string>& kept() {
+        static std::vector<std::string> all;
+        return all;
+    }
+
+    static int keep(int level, const char* text, const char* /*name*/) {
+        kept().push_back(std::to_string(level) + " " + text);
+        return 0;
+    }
+};
