@@ -1,0 +1,53 @@
+#pragma once
+
+#include "devserver/CertificateAuthority.h"
+#include "devserver/Files.h"
+#include "devserver/HostDatabase.h"
+#include "devserver/Options.h"
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace devserver {
+
+/// The folder that a server keeps everything in: its authority and certificates, the host
+/// database, and the configuration and login that the tool reads. Filled when it is new; what is
+/// there already stays, and names and addresses that are new are added.
+class Root {
+public:
+    /// Takes the folder for this process. What keeps it from being used is a Failure.
+    explicit Root(const Options& options);
+
+    /// Absolute.
+    const std::filesystem::path& path() const { return path_; }
+    const CertificateAuthority& authority() const { return *authority_; }
+    HostDatabase& database() { return *database_; }
+    /// Every name and address that the server has ever been started under.
+    std::vector<std::string> names() const { return database_->serverNames(); }
+    /// The server name of this start: what the tool can be given as -server.
+    const std::string& primaryName() const { return primaryName_; }
+    /// The one that the master configuration names.
+    std::string configuredName() const;
+
+    /// Where the audit trail of a root is.
+    static std::filesystem::path databasePath(const std::filesystem::path& root);
+
+private:
+    void claim();
+    void openAuthority();
+    void openDatabase(const Options& options);
+    void writeCertificates();
+    void writeConfiguration();
+    void writeLogins(const Options& options);
+
+    std::filesystem::path path_;
+    std::string primaryName_;
+    std::vector<std::string> newNames_;
+    std::unique_ptr<files::Lock> lock_;
+    std::unique_ptr<CertificateAuthority> authority_;
+    std::unique_ptr<HostDatabase> database_;
+};
+
+}  // namespace devserver

@@ -1,0 +1,228 @@
+#include "devserver/Server.h"
+
+#include "devserver/Connections.h"
+#include "devserver/Failure.h"
+#include "devserver/MediaType.h"
+#include "devserver/TlsSetup.h"
+#include "devserver/Transmission.h"
+
+#include <httplib.h>
+
+#include <atomic>
+#include <thread>
+
+namespace devserver {
+
+namespace {
+
+/// A connection keeps a worker for as long as it is open.
+constexpr std::size_t workers = 160;
+constexpr int backlog = 1024;
+constexpr std::size_t largestBody = std::size_t{64} * 1024;
+/// How much of a body that is too large is read before the connection is given up.
+constexpr std::size_t largestDiscarded = std::size_t{1024} * 1024;
+
+/// Makes the connection end after this reply, because bytes are left that nobody will read.
+void giveUpReading(const httplib::Request& request) {
+    if (request.ssl != nullptr) {
+        ::shutdown(SSL_get_fd(request.ssl), SHUT_RD);
+    }
+}
+
+void dropConnection(const httplib::Request& request) {
+    if (request.ssl != nullptr) {
+        ::shutdown(SSL_get_fd(request.ssl), SHUT_RDWR);
+    }
+}
+
+bool announcesBody(const httplib::Request& request) {
+    return request.has_header("Content-Length") || request.has_header("Transfer-Encoding");
+}
+
+Call callOf(const httplib::Request& request) {
+    Call call;
+    call.method = request.method;
+    call.target = request.target;
+    call.peer = peerCommonName(request.ssl);
+    call.accept = request.get_header_value("Accept");
+    call.contentType = request.get_header_value("Content-Type");
+    call.authorization = request.get_header_value("Authorization");
+    call.auditReason = request.get_header_value("X-Arkeon-Audit-Reason");
+    return call;
+}
+
+/// Reads the body as far as it is allowed to go and skips a moderate excess.
+void readBody(const httplib::Request& request, const httplib::ContentReader& reader, Call& call) {
+    if (!announcesBody(request)) {
+        return;
+    }
+    std::size_t size = 0;
+    const auto take = [&](const char* data, std::size_t length) {
+        size += length;
+        call.bodyTooLarge = size > largestBody;
+        if (!call.bodyTooLarge) {
+            call.body.append(data, length);
+        }
+        return size <= largestDiscarded;
+    };
+    const bool complete = request.is_multipart_form_data()
+                              ? reader([](const httplib::MultipartFormData&) { return true; }, take)
+                              : reader(take);
+    if (!complete) {
+        giveUpReading(request);
+    }
+}
+
+}  // namespace
+
+struct Server::Machinery {
+    Machinery(
+        const CertificateAuthority& authority, Endpoint place, Resources& hosts, Faults& rules)
+        : endpoint(std::move(place)), resources(hosts), faults(rules),
+          tls(authority, endpoint.names, rules),
+          http([this](SSL_CTX& context) { return tls.apply(context); }) {
+        if (!http.is_valid()) {
+            throw Failure("TLS cannot be set up");
+        }
+        connections.watch(http.ssl_context());
+        configure();
+        route();
+    }
+
+    void configure();
+    void route();
+    void answer(const httplib::Request& request, httplib::Response& response, Call call);
+    Reply replyTo(const Call& call, const Fault& fault);
+    static void describeRefusal(const httplib::Request& request, httplib::Response& response);
+
+    Endpoint endpoint;
+    Resources& resources;
+    Faults& faults;
+    Connections connections;
+    Interruption interruption;
+    TlsSetup tls;
+    httplib::SSLServer http;
+    int listener = -1;
+    std::atomic<int> answering{0};
+    std::thread thread;
+};
+
+void Server::Machinery::configure() {
+    http.set_socket_options([this](int socket) {
+        const int yes = 1;
+        ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+        listener = socket;
+    });
+    http.set_tcp_nodelay(true);
+    http.set_keep_alive_timeout(5);
+    http.set_keep_alive_max_count(10'000);
+    http.set_read_timeout(10);
+    http.set_write_timeout(30);
+    http.new_task_queue = [] {
+        return new httplib::ThreadPool(workers);
+    };
+}
+
+void Server::Machinery::route() {
+    // Everything goes one way, whatever the path; a dot would not fit a line feed.
+    const char* const anything = "[\\s\\S]*";
+    const auto plain = [this](const httplib::Request& request, httplib::Response& response) {
+        if (announcesBody(request)) {
+            giveUpReading(request);
+        }
+        answer(request, response, callOf(request));
+    };
+    const auto withBody = [this](
+                              const httplib::Request& request, httplib::Response& response,
+                              const httplib::ContentReader& reader) {
+        Call call = callOf(request);
+        readBody(request, reader, call);
+        answer(request, response, std::move(call));
+    };
+    http.Get(anything, plain).Options(anything, plain);
+    http.Put(anything, withBody).Post(anything, withBody);
+    http.Patch(anything, withBody).Delete(anything, withBody);
+    http.set_error_handler(describeRefusal);
+}
+
+void Server::Machinery::answer(
+    const httplib::Request& request, httplib::Response& response, Call call) {
+    ++answering;
+    const Fault fault = faults.forRequest(call.method, call.target).value_or(Fault{});
+    const bool gzip = mediaTypes::acceptsGzip(request.get_header_value("Accept-Encoding"));
+    try {
+        interruption.sleep(fault.delay);
+        Reply reply = replyTo(call, fault);
+        if (fault.drop) {
+            dropConnection(request);
+        }
+        transmit(std::move(reply), fault, gzip, interruption, response);
+    } catch (const std::exception&) {
+        transmit(errorReply(errors::serverFailure), {}, gzip, interruption, response);
+    }
+    --answering;
+}
+
+Reply Server::Machinery::replyTo(const Call& call, const Fault& fault) {
+    if (!fault.replacesReply()) {
+        return resources.handle(call);
+    }
+    Reply reply = fault.replacement();
+    resources.recordOnly(call, reply);
+    return reply;
+}
+
+/// Gives the refusals of the HTTP library itself a body like all others.
+void Server::Machinery::describeRefusal(
+    const httplib::Request& request, httplib::Response& response) {
+    if (!response.body.empty() || response.has_header("Content-Type")) {
+        return;
+    }
+    const bool oddMethod = request.method == "TRACE" || request.method == "CONNECT";
+    const Reply reply = errorReply(oddMethod ? errors::wrongMethod : errors::malformedRequest);
+    response.status = oddMethod ? reply.status : response.status;
+    response.set_content(reply.body, reply.contentType);
+}
+
+Server::Server(
+    const CertificateAuthority& authority, Endpoint endpoint, Resources& resources, Faults& faults)
+    : machinery_(std::make_unique<Machinery>(authority, std::move(endpoint), resources, faults)) {}
+
+Server::~Server() {
+    stop();
+}
+
+void Server::start() {
+    Machinery& m = *machinery_;
+    const std::string place = m.endpoint.address + " port " + std::to_string(m.endpoint.port);
+    if (!m.http.bind_to_port(m.endpoint.address, m.endpoint.port)) {
+        throw Failure("cannot listen on " + place + ": " + std::strerror(errno));
+    }
+    // The library listens with a backlog of 5; a second listen() only sets a longer one.
+    ::listen(m.listener, backlog);
+    m.thread = std::thread([&m] { m.http.listen_after_bind(); });
+    while (!m.http.is_running()) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+}
+
+void Server::stop() {
+    Machinery& m = *machinery_;
+    if (!m.thread.joinable()) {
+        return;
+    }
+    m.interruption.interrupt();
+    m.http.stop();
+    m.connections.endReading();
+    for (int waited = 0; m.answering > 0 && waited < 200; ++waited) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    std::thread hurry([&m] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        m.connections.endAll();
+    });
+    m.thread.join();
+    hurry.join();
+}
+
+}  // namespace devserver

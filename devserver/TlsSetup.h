@@ -1,0 +1,44 @@
+#pragma once
+
+#include "devserver/CertificateAuthority.h"
+#include "devserver/Faults.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+typedef struct ssl_ctx_st SSL_CTX;
+typedef struct ssl_st SSL;
+
+namespace devserver {
+
+/// The server's certificates and who is let in.
+class TlsSetup {
+public:
+    TlsSetup(
+        const CertificateAuthority& authority, const std::vector<std::string>& names,
+        Faults& faults);
+    ~TlsSetup();
+    TlsSetup(const TlsSetup&) = delete;
+    TlsSetup& operator=(const TlsSetup&) = delete;
+
+    /// Sets a context up; false when OpenSSL refuses. The setup must outlive the context.
+    bool apply(SSL_CTX& context);
+
+    /// Chooses the certificate of a new connection: the server's own unless a fault says else.
+    bool present(SSL* connection);
+
+private:
+    struct Credentials;
+    std::unique_ptr<Credentials> make(CertificateFault fault) const;
+
+    const CertificateAuthority& authority_;
+    std::vector<std::string> names_;
+    Faults& faults_;
+    std::unique_ptr<Credentials> usual_;
+};
+
+/// The common name of the certificate that the client has proved to own.
+std::string peerCommonName(const SSL* connection);
+
+}  // namespace devserver
