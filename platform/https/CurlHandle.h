@@ -4,15 +4,16 @@
 
 #include <curl/curl.h>
 #include <memory>
+#include <string>
 
 namespace arkeon {
 
-/// The one libcurl handle of the process, with the connections it keeps. The program has one
-/// thread.
+/// A libcurl handle with the connection that it keeps to one server, for the whole process. The
+/// program has one thread.
 class CurlHandle {
 public:
-    /// Makes libcurl ready on the first call.
-    static CurlHandle& instance();
+    /// The handle for this server and port. Makes libcurl ready on the first call.
+    static CurlHandle& forServer(const std::string& server, int port);
 
     /// Null when libcurl could not be made ready.
     CURL* get() const { return handle_.get(); }
@@ -25,7 +26,8 @@ private:
         void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
     };
 
-    CurlHandle();
+    explicit CurlHandle(CURL* handle) : handle_(handle) {}
+    bool connectionEnded() const;
 
     TransferNotes notes_;
     std::unique_ptr<CURL, Release> handle_;

@@ -37,9 +37,35 @@ int statusOf(CURLcode result) {
     }
 }
 
+/// Whether only the end of the connection ends the reply's body (RFC 9112, 6.3).
+bool endsWithConnection(CURL* handle) {
+    constexpr long noContent = 204;
+    constexpr long notModified = 304;
+    long httpStatus = 0;
+    curl_off_t length = 0;
+    curl_header* encoding = nullptr;
+    curl_easy_getinfo(handle, CURLINFO_RESPONSE_CODE, &httpStatus);
+    curl_easy_getinfo(handle, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
+    return httpStatus != noContent && httpStatus != notModified && length < 0 &&
+           curl_easy_header(handle, "Transfer-Encoding", 0, CURLH_HEADER, -1, &encoding) !=
+               CURLHE_OK;
+}
+
+/// libcurl is content with a connection that is cut off inside the head, or anywhere in a body that
+/// has no length.
+bool isWhole(CURL* handle, const TransferNotes& notes) {
+    return notes.replyHeadWhole && (notes.tlsClosed || !endsWithConnection(handle));
+}
+
+/// A TLS 1.3 server refuses the host's certificate after the handshake has ended for the client,
+/// with an alert in place of a reply.
+bool isRefusal(const TransferNotes& notes) {
+    return notes.alertReceived && !notes.replyBegun;
+}
+
 }  // namespace
 
-int transferStatus(CURLcode result, const TransferNotes& notes) {
+int transferStatus(CURL* handle, CURLcode result, const TransferNotes& notes) {
     if (notes.bodyTooLarge) {
         return status::replyTooLarge;
     }
@@ -47,15 +73,10 @@ int transferStatus(CURLcode result, const TransferNotes& notes) {
         return status::connectionBroke;
     }
     const int status = statusOf(result);
-    if (status == status::success && !notes.replyHeadWhole) {
-        return status::connectionBroke;
+    if (status == status::success) {
+        return isWhole(handle, notes) ? status::success : status::connectionBroke;
     }
-    // A TLS 1.3 server refuses the host's certificate after the handshake has ended for the client,
-    // with an alert where the reply would be.
-    const bool refused = notes.alertReceived && !notes.replyBegun;
-    return refused && status != status::success && status != status::untrustedServer
-               ? status::handshakeFailed
-               : status;
+    return isRefusal(notes) && status != status::untrustedServer ? status::handshakeFailed : status;
 }
 
 }  // namespace arkeon

@@ -6,7 +6,8 @@
 
 namespace arkeon {
 
-/// The status code of a transfer that ended with `result`: 0 when a whole reply arrived.
-int transferStatus(CURLcode result, const TransferNotes& notes);
+/// The status code of the transfer of `handle` that ended with `result`: 0 when a whole reply
+/// arrived.
+int transferStatus(CURL* handle, CURLcode result, const TransferNotes& notes);
 
 }  // namespace arkeon

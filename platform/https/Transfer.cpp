@@ -55,8 +55,8 @@ HeaderList makeHeaders(const Request& request) {
 class Exchange {
 public:
     Exchange(const Request& request, Credentials& credentials)
-        : handle_(CurlHandle::instance()), request_(request), credentials_(credentials),
-          url_(makeUrl(request)), headers_(makeHeaders(request)) {}
+        : handle_(CurlHandle::forServer(request.server, request.port)), request_(request),
+          credentials_(credentials), url_(makeUrl(request)), headers_(makeHeaders(request)) {}
     ~Exchange() {
         if (handle_.get() != nullptr) {
             curl_easy_reset(handle_.get());
@@ -166,7 +166,7 @@ int Exchange::failed(int status, std::string_view reason) const {
 }
 
 int Exchange::finish(CURLcode result, Reply& reply) {
-    const int status = transferStatus(result, handle_.notes());
+    const int status = transferStatus(handle_.get(), result, handle_.notes());
     if (status != status::success) {
         const bool detailed = errorText_.front() != '\0';
         return failed(status, detailed ? errorText_.data() : curl_easy_strerror(result));

@@ -22,8 +22,8 @@ struct Reply {
     std::string body;    ///< decoded
 };
 
-/// Sends `request` once and waits for the whole reply. All transfers of the process go through one
-/// libcurl handle, so that they share connections and TLS sessions.
+/// Sends `request` once and waits for the whole reply. Transfers to the same server and port share
+/// one connection.
 /// @return 0 or a status code of the client; the reason is in the debug log
 int transfer(const Request& request, Credentials& credentials, Reply& reply);
 

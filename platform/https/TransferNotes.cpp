@@ -78,16 +78,19 @@ int notesIndex() {
 
 void onTlsState(const SSL* connection, int where, int value) {
     constexpr int levelShift = 8;
-    if ((where & SSL_CB_READ_ALERT) == SSL_CB_READ_ALERT && value >> levelShift == SSL3_AL_FATAL) {
-        notesOf(SSL_CTX_get_ex_data(SSL_get_SSL_CTX(connection), notesIndex())).alertReceived =
-            true;
+    if ((where & SSL_CB_READ_ALERT) != SSL_CB_READ_ALERT) {
+        return;
+    }
+    TransferNotes& notes = notesOf(SSL_CTX_get_ex_data(SSL_get_SSL_CTX(connection), notesIndex()));
+    if (value >> levelShift == SSL3_AL_FATAL) {
+        notes.alertReceived = true;
+    } else if ((value & 0xFF) == SSL_AD_CLOSE_NOTIFY) {
+        notes.tlsClosed = true;
     }
 }
 
 CURLcode onTlsContext(CURL* /*handle*/, void* sslContext, void* context) {
     auto* tls = static_cast<SSL_CTX*>(sslContext);
-    // libcurl sets the option; a connection cut off would then pass for an orderly end.
-    SSL_CTX_clear_options(tls, SSL_OP_IGNORE_UNEXPECTED_EOF);
     SSL_CTX_set_info_callback(tls, onTlsState);
     return SSL_CTX_set_ex_data(tls, notesIndex(), context) == 1 ? CURLE_OK : CURLE_OUT_OF_MEMORY;
 }

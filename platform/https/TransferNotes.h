@@ -16,6 +16,7 @@ struct TransferNotes {
     bool replyBegun = false;      ///< a line of the reply's head arrived
     bool replyHeadWhole = false;  ///< the final reply's head arrived with its empty line
     bool alertReceived = false;   ///< the server sent a fatal TLS alert
+    bool tlsClosed = false;       ///< the server ended TLS in order
     bool bodyTooLarge = false;
     bool outOfMemory = false;
 };
