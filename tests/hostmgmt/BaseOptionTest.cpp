@@ -1,0 +1,99 @@
+#include "support/Streams.h"
+#include "support/TestOperation.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+TEST(BaseOption, AFreshPayloadIsAnEmptyObject) {
+    EXPECT_EQ(TestOperation().operation.getJSONpayload(), "{}");
+}
+
+TEST(BaseOption, MembersAreSetAndReplaced) {
+    TestOperation test;
+    EXPECT_EQ(test.operation.setJSONObject("hostName", "one"), 0);
+    EXPECT_EQ(test.operation.setJSONObject("isShared", json_true()), 0);
+    EXPECT_EQ(test.operation.getJSONpayload(), R"({"hostName":"one","isShared":true})");
+    EXPECT_EQ(test.operation.setJSONObject("hostName", "tw\"o\n"), 0);
+    EXPECT_EQ(test.operation.getJSONpayload(), R"({"hostName":"tw\"o\n","isShared":true})");
+}
+
+TEST(BaseOption, LoadJSONReplacesThePayload) {
+    TestOperation test;
+    test.operation.setJSONObject("old", "member");
+    EXPECT_EQ(test.operation.loadJSON(R"({ "new" : 1 })"), 0);
+    EXPECT_EQ(test.operation.getJSONpayload(), R"({"new":1})");
+}
+
+TEST(BaseOption, AnUnreadableReplyGives7610AndLeavesNoPayload) {
+    for (const std::string text : {"", "{", "nothing", "3", "{\"a\":1}x", "\xff"}) {
+        TestOperation test;
+        EXPECT_EQ(test.operation.loadJSON(text.c_str()), 7610) << text;
+        EXPECT_FALSE(test.operation.hasPayload());
+        EXPECT_EQ(LogLines::lines(), Lines{"16 load_json() failed:" + text + "\n"});
+        long code = 5;
+        EXPECT_EQ(test.operation.getIntValue("errorCode", code), 7610);
+        EXPECT_EQ(code, 5);
+        EXPECT_TRUE(TestOperation::logged("16 No error code in response."));
+    }
+}
+
+TEST(BaseOption, IntegersAreReadOrLeftUntouched) {
+    TestOperation test;
+    test.operation.loadJSON(R"({"n":-12,"big":5000000000,"text":"5","real":5.0,"null":null})");
+    long value = 1;
+    EXPECT_EQ(test.operation.getIntValue("n", value), 0);
+    EXPECT_EQ(value, -12);
+    EXPECT_EQ(test.operation.getIntValue("big", value), 0);
+    EXPECT_EQ(value, 5000000000L);
+    EXPECT_TRUE(LogLines::lines().empty());
+    for (const char* key : {"absent", "text", "real", "null"}) {
+        EXPECT_EQ(test.operation.getIntValue(key, value), 7610) << key;
+        EXPECT_EQ(value, 5000000000L);
+        EXPECT_EQ(LogLines::lines().back(), "16 No error code in response.");
+    }
+}
+
+TEST(BaseOption, TextsAreReadOrLeftUntouchedWithTheSameLogLine) {
+    TestOperation test;
+    test.operation.loadJSON(R"({"s":"text","n":1,"null":null})");
+    std::string value = "before";
+    for (const char* key : {"absent", "n", "null"}) {
+        EXPECT_EQ(test.operation.getStringValue(key, value), 7610) << key;
+        EXPECT_EQ(value, "before");
+        EXPECT_EQ(LogLines::lines().back(), "16 No error code in response.");
+    }
+    EXPECT_EQ(test.operation.getStringValue("s", value), 0);
+    EXPECT_EQ(value, "text");
+}
+
+TEST(BaseOption, GetURILogsTheUri) {
+    TestOperation test;
+    EXPECT_EQ(test.operation.getURI(OP_COMMENT, "ID", "x"), "arkeon/config/hosts/ID/comment");
+    EXPECT_EQ(LogLines::lines(), Lines{"2 serverUri is: arkeon/config/hosts/ID/comment"});
+}
+
+TEST(BaseOption, AnOptionIsReadUnderItsNameElseUnderItsAlias) {
+    const TestOperation byAlias({"-I", "alias"});
+    EXPECT_TRUE(byAlias.operation.isGiven(option::hostid));
+    EXPECT_EQ(byAlias.operation.valueOf(option::hostid), "alias");
+    const TestOperation both({"-i", "alias", "-hostid", "name"});
+    EXPECT_EQ(both.operation.valueOf(option::hostid), "name");
+    const TestOperation neither;
+    EXPECT_FALSE(neither.operation.isGiven(option::hostid));
+    EXPECT_EQ(neither.operation.valueOf(option::hostid), "");
+}
+
+TEST(BaseOption, DestroyingAnOperationTakesTheLogsUseCountBelowZero) {
+    LogLines lines;
+    EXPECT_EQ(CLogcmd::useCount(), 1U);
+    {
+        const BareOperation operation({}, lines.log);
+        EXPECT_EQ(CLogcmd::useCount(), 1U) << "its logs leave the count alone";
+    }
+    EXPECT_EQ(CLogcmd::useCount(), 4294967295U) << "and each lowers it at its end";
+}
+
+}  // namespace
