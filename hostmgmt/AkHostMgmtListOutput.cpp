@@ -237,9 +237,8 @@ void AkHostMgmtList::printMappingRow(json_t* mapping, const char* approval) {
     const ListLabels& label = labels();
     const std::string created = localDateText(integerMember(mapping, "createdOn"));
     const std::string updated = localDateText(integerMember(mapping, "updatedOn"));
-    const char* mapped = getTrimmedString("mappedHostName", mapping);
     Console::standard().write(tableLine(
-        {mapped == nullptr ? "" : mapped, label.boolean(approval),
+        {getTrimmedString("mappedHostName", mapping), label.boolean(approval),
          label.boolean(yesOrNo(mapping, "isConflicting")), label.boolean(autoDiscovered(mapping)),
          label.boolean(yesOrNo(mapping, "isShared")), created.c_str(), updated.c_str()}));
 }

@@ -148,12 +148,12 @@ TEST(MappingTable, DatesFarOutOfRangeAreHarmless) {
     }
 }
 
-TEST(MappingTable, NamesOf16BytesAreCutAndNullPrintsAsNothing) {
+TEST(MappingTable, NamesOf16BytesAreCutNullIsEmptyAndNoTextIsTheWordNull) {
     EXPECT_EQ(table(mapping("\"123456789012345\"")), row("123456789012345", "No") + "\n");
     EXPECT_EQ(table(mapping("\"1234567890123456\"")), row("123456789012345~", "No") + "\n");
     EXPECT_EQ(table(mapping("null")), row("", "No") + "\n");
-    EXPECT_EQ(table(R"({})"), row("", "No") + "\n");
-    EXPECT_EQ(table(mapping("7")), row("", "No") + "\n");
+    EXPECT_EQ(table(R"({})"), row("(null)", "No") + "\n");
+    EXPECT_EQ(table(mapping("7")), row("(null)", "No") + "\n");
 }
 
 TEST(MappingTable, AFilteredListingKeepsTheServersOrder) {
