@@ -1,0 +1,140 @@
+"""Cases as they stand in TOML files: defaults laid under them and texts built from their parts."""
+
+import gzip
+import json
+import pathlib
+import re
+import tomllib
+
+FOLDER = pathlib.Path(__file__).resolve().parent
+STATUS_TEXTS = FOLDER.parent.parent / "platform" / "catalogue" / "StatusTexts.cpp"
+
+KEYS = {
+    "name", "args", "argv0", "stdin", "environment", "dialogue", "tty", "stdout_to",
+    "stderr_to", "files", "server", "replies", "timeout",
+    "stdout", "stderr", "stderr_begins", "status", "signal", "requests", "connections",
+    "log", "log_is", "log_absent", "absent_files",
+}  # fmt: skip
+REPLY_KEYS = {"status", "json", "body", "type", "headers", "coding", "raw", "then"}
+REQUEST_KEYS = {"method", "target", "headers", "body"}
+MEDIA_TYPE = "application/vnd.arkeon+json;version=6.0"
+
+
+class CaseError(Exception):
+    """A case that is not written as README.md says."""
+
+
+def _merge(below, above):
+    """`above` laid over `below`, tables key by key."""
+    merged = dict(below)
+    for key, value in above.items():
+        both_tables = isinstance(value, dict) and isinstance(merged.get(key), dict)
+        merged[key] = _merge(merged[key], value) if both_tables else value
+    return merged
+
+
+def _status_texts():
+    """The text of every status code, read from the source file that holds the table.
+
+    The entry "Unknown" is the text for a code without a row, with %d for the code.
+    """
+    literals = r'((?:"(?:[^"\\]|\\.)*"\s*)+)'
+    row = re.compile(r'"Status(\d+|Unknown)",(?:[^"]*,)?\s*' + literals)
+    texts = {}
+    for code, text in row.findall(STATUS_TEXTS.read_text()):
+        parts = re.findall(r'"((?:[^"\\]|\\.)*)"', text)
+        texts[code] = "".join(json.loads(f'"{part}"') for part in parts)
+    return texts
+
+
+class Texts:
+    """Builds the bytes of a text value: a string with placeholders, a table, or a list of both."""
+
+    PLACEHOLDER = re.compile(r"\{(text:\w+|status:-?\d+|[a-z_]+)\}")
+
+    def __init__(self, named, folder):
+        self._named = named
+        self._folder = folder
+        self._statuses = _status_texts()
+
+    def bytes(self, value, known):
+        """The bytes of `value`; `known` has the placeholders of this run, such as "server"."""
+        if isinstance(value, list):
+            return b"".join(self.bytes(part, known) for part in value)
+        if isinstance(value, str):
+            return self.string(value, known).encode()
+        if isinstance(value, dict) and set(value) == {"repeat", "times"}:
+            return self.bytes(value["repeat"], known) * value["times"]
+        if isinstance(value, dict) and set(value) == {"hex"}:
+            return bytes.fromhex(value["hex"])
+        if isinstance(value, dict) and set(value) == {"from"}:
+            return (self._folder / value["from"]).read_bytes()
+        raise CaseError(f"{value!r} is no text")
+
+    def string(self, text, known):
+        return self.PLACEHOLDER.sub(lambda match: self._resolve(match, known), text)
+
+    def _resolve(self, match, known):
+        kind, _, argument = match[1].partition(":")
+        try:
+            if kind == "text":
+                return self.string(self._named[argument], known)
+            if kind == "status":
+                row = self._statuses.get(argument)
+                return row or self._statuses["Unknown"].replace("%d", argument)
+        except KeyError:
+            raise CaseError(f"nothing is known for {match[0]}") from None
+        return known.get(kind, match[0])
+
+
+def _check_keys(table, allowed, what):
+    unknown = set(table) - allowed
+    if unknown:
+        raise CaseError(f"{what} has unknown keys: {', '.join(sorted(unknown))}")
+
+
+def load(path):
+    """A file's cases with the defaults laid under them, their texts, and every run's files."""
+    path = pathlib.Path(path)
+    shared = tomllib.loads((FOLDER / "defaults.toml").read_text())
+    own = tomllib.loads(path.read_text())
+    _check_keys(own, {"defaults", "texts", "case"}, path.name)
+    defaults = _merge(shared["defaults"], own.get("defaults", {}))
+    texts = Texts(_merge(shared["texts"], own.get("texts", {})), path.parent)
+    request_defaults = defaults.pop("request")
+    cases = []
+    for written in own["case"]:
+        case = _merge(defaults, written)
+        case["requests"] = [_merge(request_defaults, each) for each in case["requests"]]
+        _check_keys(case, KEYS, case.get("name", "a case without a name"))
+        for request in case["requests"]:
+            _check_keys(request, REQUEST_KEYS, f"a request of '{case['name']}'")
+        cases.append(case)
+    names = [case["name"] for case in cases]
+    repeated = {name for name in names if names.count(name) > 1}
+    if repeated:
+        raise CaseError(f"{path.name} has names that stand twice: {', '.join(sorted(repeated))}")
+    return cases, texts, shared["standard_files"]
+
+
+def reply_bytes(reply, texts, known):
+    """A scripted reply as it goes over the wire."""
+    _check_keys(reply, REPLY_KEYS, "a reply")
+    if "raw" in reply:
+        return texts.bytes(reply["raw"], known)
+    body = texts.bytes(reply.get("json", reply.get("body", "")), known)
+    headers = {"Content-Type": reply.get("type", MEDIA_TYPE if "json" in reply else "text/html")}
+    if reply.get("coding") == "gzip":
+        body = gzip.compress(body)
+        headers["Content-Encoding"] = "gzip"
+    if reply.get("coding") == "chunked":
+        pieces = [piece for piece in (body[:10], body[10:]) if piece]
+        body = b"".join(b"%x\r\n%b\r\n" % (len(piece), piece) for piece in pieces)
+        body += b"0\r\n\r\n"
+        headers["Transfer-Encoding"] = "chunked"
+    elif reply.get("status", 200) != 204:
+        headers["Content-Length"] = str(len(body))
+    headers |= reply.get("headers", {})
+    lines = [f"HTTP/1.1 {reply.get('status', 200)} Scripted"]
+    lines += [f"{name}: {value}" for name, value in headers.items() if value is not False]
+    return "\r\n".join([*lines, "", ""]).encode() + body
