@@ -1,0 +1,70 @@
+# Shared by the scripts: packages and builds. To be sourced from bash in the project's top folder.
+
+# What building, the demo and the tests stand on.
+packages=(
+  g++ cmake ninja-build pkg-config
+  libcurl4-openssl-dev libssl-dev zlib1g-dev libbrotli-dev
+  libjansson-dev libace-dev libtomlplusplus-dev
+  libsqlite3-dev libcpp-httplib-dev
+  libgtest-dev gettext python3 tzdata
+)
+
+# What the checks of the continuous integration stand on besides.
+check_packages=(clang-format clang-tidy gcovr valgrind)
+
+say() { printf '\n== %s\n' "$*"; }
+
+# Prints the packages among the arguments that are not installed.
+missing_packages() {
+  local package
+  for package in "$@"; do
+    [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" = installed ] ||
+      printf '%s\n' "$package"
+  done
+}
+
+# Installs what is missing of the packages named; needs root or sudo only then.
+install_packages() {
+  local missing apt
+  mapfile -t missing < <(missing_packages "$@")
+  [ ${#missing[@]} -eq 0 ] && return 0
+  say "Installing ${missing[*]}"
+  apt=(env DEBIAN_FRONTEND=noninteractive apt-get -o Dpkg::Use-Pty=0)
+  if [ "$(id -u)" -ne 0 ]; then
+    command -v sudo >/dev/null || {
+      echo "These packages are missing: ${missing[*]}" >&2
+      echo "Install them as root, or install sudo, and start again." >&2
+      return 1
+    }
+    apt=(sudo "${apt[@]}")
+  fi
+  "${apt[@]}" -q update
+  "${apt[@]}" -q install -y --no-install-recommends "${missing[@]}"
+}
+
+# build PRESET [TARGET...]: configures and builds.
+build() {
+  local preset=$1
+  shift
+  say "Building the $preset preset"
+  mkdir -p build
+  cmake --preset "$preset" ${CMAKE_FLAGS:-} >"build/$preset-configure.log" 2>&1 || {
+    cat "build/$preset-configure.log" >&2
+    return 1
+  }
+  cmake --build --preset "$preset" ${1:+--target "$@"}
+}
+
+# run_tests PRESET [CTEST-ARGUMENT...]: runs the tests and ends with one line of counts.
+run_tests() {
+  local preset=$1 result=0
+  shift
+  say "Testing the $preset preset"
+  ctest --preset "$preset" -j "$(nproc)" --output-junit "$PWD/build/$preset/tests.xml" "$@" \
+    >"build/$preset/tests.log" 2>&1 || result=$?
+  [ $result -eq 0 ] || sed -n '/Failed\|\*\*\*/p; /^The following tests FAILED/,$p' \
+    "build/$preset/tests.log"
+  python3 scripts/count-tests "build/$preset/tests.xml" || result=1
+  [ $result -eq 0 ] || echo "The whole output is in build/$preset/tests.log" >&2
+  return $result
+}
