@@ -1,6 +1,7 @@
 #include "log/LogFile.h"
 
 #include <cerrno>
+#include <csignal>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -48,8 +49,31 @@ int openChecked(const std::string& path, mode_t mode, int& descriptor) {
     return error;
 }
 
+/// While the object lives, a write beyond the process's file size limit (ulimit -f) fails like any
+/// other write instead of ending the process.
+class SizeSignalBlock {
+public:
+    SizeSignalBlock() {
+        sigemptyset(&signal_);
+        sigaddset(&signal_, SIGXFSZ);
+        pthread_sigmask(SIG_BLOCK, &signal_, &before_);
+    }
+    ~SizeSignalBlock() {
+        const timespec noTime{};
+        sigtimedwait(&signal_, nullptr, &noTime);
+        pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+    }
+    SizeSignalBlock(const SizeSignalBlock&) = delete;
+    SizeSignalBlock& operator=(const SizeSignalBlock&) = delete;
+
+private:
+    sigset_t signal_{};
+    sigset_t before_{};
+};
+
 /// A failed or short write is left as it is: a second write could land inside another run's line.
 void writeOnce(int descriptor, std::string_view line) {
+    const SizeSignalBlock block;
     ssize_t count = 0;
     do {
         count = write(descriptor, line.data(), line.size());

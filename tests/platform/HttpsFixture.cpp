@@ -17,7 +17,9 @@ HttpsTest::HttpsTest()
     writeCertificateInfo({"127.0.0.1"});
 }
 
-HttpsTest::~HttpsTest() { arkeon::clientLimits() = {}; }
+HttpsTest::~HttpsTest() {
+    arkeon::clientLimits() = {};
+}
 
 devserver::Identity
 HttpsTest::identityFor(const std::vector<std::string>& names, devserver::Validity validity) const {
