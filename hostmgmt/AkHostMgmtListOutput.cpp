@@ -87,6 +87,7 @@ void AkHostMgmtList::printOutput(std::string response) {
         submitErrorStringForWebApi(arkeon::status::unreadableReply);
         return;
     }
+    std::string().swap(response);  // the parsed reply is enough from here; the text may be large
     if (isGiven(option::json)) {
         json_dump_callback(payload.get(), writeJsonPiece, &console, prettyFlags);
     } else if (!hostList) {

@@ -2,6 +2,16 @@
 
 #include "hostmgmt/AkHostMgmtBaseOption.h"
 
+namespace {
+
+CUsagecmd failureWithText(usageExceptions code, const std::string& text) {
+    CUsagecmd failure(code);
+    failure.SetUsagemessage(text.c_str());
+    return failure;
+}
+
+}  // namespace
+
 bool AkHostMgmtBaseOption::isGiven(OptionName option) const {
     return args.exists(option.name) || args.exists(option.alias);
 }
@@ -12,9 +22,7 @@ std::string AkHostMgmtBaseOption::valueOf(OptionName option) const {
 
 void AkHostMgmtBaseOption::refuse(usageExceptions code, const std::string& text) const {
     operationLog.logit(text, logLevel::ordinary);
-    CUsagecmd failure(code);
-    failure.SetUsagemessage(text.c_str());
-    throw failure;
+    throw failureWithText(code, text);
 }
 
 // The long name is the framework's business.
