@@ -100,12 +100,15 @@ def run_case(stage, case, texts, standard_files):
             known |= stage.defined
             box = sandbox.Sandbox(folder, known, stage.certificates, stage.stranger)
             box.make_files(standard_files + case["files"], texts)
-            server = stage.server(case, listener, texts, known) if listener else None
+            serves = listener and kind != "silent"  # a silent listener leaves clients waiting
+            server = stage.server(case, listener, texts, known) if serves else None
             try:
                 run = start(stage.tool, case, texts, known, folder)
             finally:
                 if server:
                     server.stop()
+                elif listener:
+                    listener.close()
             return Verdict(case, texts, known).differences(run, server, box)
     finally:
         stage.give_back(address, kind)

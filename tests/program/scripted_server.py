@@ -80,7 +80,8 @@ class ScriptedServer:
         self._stopping.set()
         for connection in [self._listener, *self._sockets]:
             try:
-                connection.shutdown(socket.SHUT_RDWR)
+                # Not SSLSocket's own, after which a recv in progress would give encrypted bytes.
+                socket.socket.shutdown(connection, socket.SHUT_RDWR)
             except OSError:
                 pass
         for thread in self._threads:
