@@ -4,6 +4,8 @@
 
 #include <sys/socket.h>
 
+#include <algorithm>
+
 namespace devserver {
 
 namespace {
@@ -25,6 +27,10 @@ int contextIndex() {
     return index;
 }
 
+void shutDown(const SSL* connection) {
+    ::shutdown(SSL_get_fd(connection), SHUT_RDWR);
+}
+
 void onState(const SSL* connection, int where, int) {
     if ((where & SSL_CB_HANDSHAKE_START) == 0) {
         return;
@@ -43,35 +49,49 @@ void Connections::watch(SSL_CTX* context) {
     SSL_CTX_set_info_callback(context, onState);
 }
 
-void Connections::endReading() {
+void Connections::endIdle() {
     const std::lock_guard lock(mutex_);
     ended_ = true;
-    shutDown(SHUT_RD);
+    for (const auto& [connection, busy] : open_) {
+        if (!busy) {
+            shutDown(connection);
+        }
+    }
 }
 
 void Connections::endAll() {
     const std::lock_guard lock(mutex_);
-    shutDown(SHUT_RDWR);
+    for (const auto& [connection, busy] : open_) {
+        shutDown(connection);
+    }
+}
+
+void Connections::setBusy(const SSL* connection, bool busy) {
+    const std::lock_guard lock(mutex_);
+    const auto entry = open_.find(connection);
+    if (entry != open_.end()) {
+        entry->second = busy;
+    }
+}
+
+std::size_t Connections::busy() {
+    const std::lock_guard lock(mutex_);
+    return static_cast<std::size_t>(
+        std::count_if(open_.begin(), open_.end(), [](const auto& entry) { return entry.second; }));
 }
 
 void Connections::add(SSL* connection) {
     const std::lock_guard lock(mutex_);
     SSL_set_ex_data(connection, registryIndex(), this);
-    open_.insert(connection);
+    open_.emplace(connection, false);
     if (ended_) {
-        ::shutdown(SSL_get_fd(connection), SHUT_RD);
+        shutDown(connection);
     }
 }
 
-void Connections::remove(SSL* connection) {
+void Connections::remove(const SSL* connection) {
     const std::lock_guard lock(mutex_);
     open_.erase(connection);
-}
-
-void Connections::shutDown(int how) {
-    for (const SSL* connection : open_) {
-        ::shutdown(SSL_get_fd(connection), how);
-    }
 }
 
 }  // namespace devserver

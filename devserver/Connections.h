@@ -1,7 +1,8 @@
 #pragma once
 
+#include <cstddef>
+#include <map>
 #include <mutex>
-#include <set>
 
 typedef struct ssl_st SSL;
 typedef struct ssl_ctx_st SSL_CTX;
@@ -19,20 +20,22 @@ public:
     /// Follows the connections of a context from now on; must outlive them.
     void watch(SSL_CTX* context);
 
-    /// Ends reading on every connection, also on those still to come: idle ones close, requests
-    /// that were read to their end are answered.
-    void endReading();
+    /// Ends the connections that no request is being answered on, and those still to come.
+    void endIdle();
     /// Ends every connection.
     void endAll();
 
+    /// Says whether a request is being answered on a connection.
+    void setBusy(const SSL* connection, bool busy);
+    /// The number of connections with a request that is being answered.
+    std::size_t busy();
+
     void add(SSL* connection);
-    void remove(SSL* connection);
+    void remove(const SSL* connection);
 
 private:
-    void shutDown(int how);
-
     std::mutex mutex_;
-    std::set<SSL*> open_;
+    std::map<const SSL*, bool> open_;  ///< with whether it is busy
     bool ended_ = false;
 };
 

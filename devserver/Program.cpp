@@ -38,11 +38,11 @@ void printHowTo(const Root& root, const Options& options, std::ostream& out) {
     out << "akdevserver: a local primary server for trying out and testing only.\n"
            "Its data are samples, its authority is nobody's, and it is no substitute for a "
            "primary server.\n\n"
-           "To use it, paste into a shell:\n\n"
-           "export ARKEON_ROOT="
-        << shellWord(root.path().string())
-        << "\nexport XDG_CONFIG_HOME=" << shellWord((root.path() / "config").string())
-        << "\nakhostmgmt -list -server " << shellWord(root.primaryName()) << "\n\n";
+           "To use it, paste into a shell:\n\n";
+    out << "export ARKEON_ROOT=" << shellWord(root.path().string()) << '\n';
+    out << "export XDG_CONFIG_HOME=" << shellWord((root.path() / "config").string()) << '\n';
+    out << "akhostmgmt -list"
+        << (root.isConfigured() ? "" : " -server " + shellWord(root.primaryName())) << "\n\n";
     if (options.port != toolPort) {
         out << "Note: akhostmgmt always uses port " << toolPort << ", not " << options.port
             << ".\n";

@@ -81,6 +81,9 @@ void checkForm(const Call& call, const Address& address) {
     if (call.bodyTooLarge) {
         throw Refusal{errors::bodyTooLarge};
     }
+    if (call.incomplete) {
+        throw Refusal{errors::malformedRequest};
+    }
     if (call.method != "GET") {
         checkReason(call);
     }

@@ -21,6 +21,7 @@ struct Call {
     std::string auditReason;
     std::string body;
     bool bodyTooLarge = false;  ///< `body` is not the whole of it
+    bool incomplete = false;    ///< a body that broke off, or one that nobody reads
 };
 
 /// The host database as REST resources: who may do what, and the rules of every change. Every

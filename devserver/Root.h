@@ -28,8 +28,8 @@ public:
     std::vector<std::string> names() const { return database_->serverNames(); }
     /// The server name of this start: what the tool can be given as -server.
     const std::string& primaryName() const { return primaryName_; }
-    /// The one that the master configuration names.
-    std::string configuredName() const;
+    /// Whether the tool finds the server without being told, by the master configuration.
+    bool isConfigured() const { return names().front() == primaryName_; }
 
     /// Where the audit trail of a root is.
     static std::filesystem::path databasePath(const std::filesystem::path& root);

@@ -8,7 +8,7 @@
 
 #include <httplib.h>
 
-#include <atomic>
+#include <future>
 #include <thread>
 
 namespace devserver {
@@ -21,13 +21,6 @@ constexpr int backlog = 1024;
 constexpr std::size_t largestBody = std::size_t{64} * 1024;
 /// How much of a body that is too large is read before the connection is given up.
 constexpr std::size_t largestDiscarded = std::size_t{1024} * 1024;
-
-/// Makes the connection end after this reply, because bytes are left that nobody will read.
-void giveUpReading(const httplib::Request& request) {
-    if (request.ssl != nullptr) {
-        ::shutdown(SSL_get_fd(request.ssl), SHUT_RD);
-    }
-}
 
 void dropConnection(const httplib::Request& request) {
     if (request.ssl != nullptr) {
@@ -68,9 +61,7 @@ void readBody(const httplib::Request& request, const httplib::ContentReader& rea
     const bool complete = request.is_multipart_form_data()
                               ? reader([](const httplib::MultipartFormData&) { return true; }, take)
                               : reader(take);
-    if (!complete) {
-        giveUpReading(request);
-    }
+    call.incomplete = !complete;
 }
 
 }  // namespace
@@ -91,7 +82,7 @@ struct Server::Machinery {
 
     void configure();
     void route();
-    void answer(const httplib::Request& request, httplib::Response& response, Call call);
+    void answer(const httplib::Request& request, httplib::Response& response, const Call& call);
     Reply replyTo(const Call& call, const Fault& fault);
     static void describeRefusal(const httplib::Request& request, httplib::Response& response);
 
@@ -103,7 +94,6 @@ struct Server::Machinery {
     TlsSetup tls;
     httplib::SSLServer http;
     int listener = -1;
-    std::atomic<int> answering{0};
     std::thread thread;
 };
 
@@ -127,40 +117,44 @@ void Server::Machinery::route() {
     // Everything goes one way, whatever the path; a dot would not fit a line feed.
     const char* const anything = "[\\s\\S]*";
     const auto plain = [this](const httplib::Request& request, httplib::Response& response) {
-        if (announcesBody(request)) {
-            giveUpReading(request);
-        }
-        answer(request, response, callOf(request));
+        Call call = callOf(request);
+        call.incomplete = announcesBody(request);
+        answer(request, response, call);
     };
     const auto withBody = [this](
                               const httplib::Request& request, httplib::Response& response,
                               const httplib::ContentReader& reader) {
         Call call = callOf(request);
         readBody(request, reader, call);
-        answer(request, response, std::move(call));
+        answer(request, response, call);
     };
     http.Get(anything, plain).Options(anything, plain);
     http.Put(anything, withBody).Post(anything, withBody);
     http.Patch(anything, withBody).Delete(anything, withBody);
     http.set_error_handler(describeRefusal);
+    // The library calls its logger when a reply has been sent.
+    http.set_logger([this](const httplib::Request& request, const httplib::Response&) {
+        connections.setBusy(request.ssl, false);
+    });
 }
 
 void Server::Machinery::answer(
-    const httplib::Request& request, httplib::Response& response, Call call) {
-    ++answering;
-    const Fault fault = faults.forRequest(call.method, call.target).value_or(Fault{});
-    const bool gzip = mediaTypes::acceptsGzip(request.get_header_value("Accept-Encoding"));
+    const httplib::Request& request, httplib::Response& response, const Call& call) {
+    connections.setBusy(request.ssl, true);
+    Manner manner;
+    manner.fault = faults.forRequest(call.method, call.target).value_or(Fault{});
+    manner.gzip = mediaTypes::acceptsGzip(request.get_header_value("Accept-Encoding"));
+    manner.lastReply = call.incomplete;
     try {
-        interruption.sleep(fault.delay);
-        Reply reply = replyTo(call, fault);
-        if (fault.drop) {
+        interruption.sleep(manner.fault.delay);
+        Reply reply = replyTo(call, manner.fault);
+        if (manner.fault.drop) {
             dropConnection(request);
         }
-        transmit(std::move(reply), fault, gzip, interruption, response);
+        transmit(std::move(reply), manner, interruption, response);
     } catch (const std::exception&) {
-        transmit(errorReply(errors::serverFailure), {}, gzip, interruption, response);
+        transmit(errorReply(errors::serverFailure), {}, interruption, response);
     }
-    --answering;
 }
 
 Reply Server::Machinery::replyTo(const Call& call, const Fault& fault) {
@@ -182,6 +176,8 @@ void Server::Machinery::describeRefusal(
     const Reply reply = errorReply(oddMethod ? errors::wrongMethod : errors::malformedRequest);
     response.status = oddMethod ? reply.status : response.status;
     response.set_content(reply.body, reply.contentType);
+    // What could not be parsed may have left bytes that would be taken for the next request.
+    response.set_header("Connection", "close");
 }
 
 Server::Server(
@@ -213,15 +209,19 @@ void Server::stop() {
     }
     m.interruption.interrupt();
     m.http.stop();
-    m.connections.endReading();
-    for (int waited = 0; m.answering > 0 && waited < 200; ++waited) {
+    m.connections.endIdle();
+    for (int waited = 0; m.connections.busy() > 0 && waited < 200; ++waited) {
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
-    std::thread hurry([&m] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(200));
-        m.connections.endAll();
+    std::promise<void> ended;
+    std::thread hurry([&m, &ended] {
+        const auto inTime = ended.get_future().wait_for(std::chrono::milliseconds(500));
+        if (inTime == std::future_status::timeout) {
+            m.connections.endAll();
+        }
     });
     m.thread.join();
+    ended.set_value();
     hurry.join();
 }
 

@@ -114,20 +114,27 @@ void sendEndless(Interruption& interruption, httplib::Response& response) {
 /// The bytes of a body and how they are to go out.
 struct Altered {
     std::string body;
-    std::size_t end;        ///< the bytes that are sent at all
-    std::size_t announced;  ///< what Content-Length says
-    std::size_t dripBytes;
-    std::chrono::milliseconds dripInterval;
+    std::size_t end = 0;        ///< the bytes that are sent at all
+    std::size_t announced = 0;  ///< what Content-Length says
+    std::size_t dripBytes = 0;
+    std::chrono::milliseconds dripInterval{0};
+    bool lastReply = false;
 };
 
-Altered altered(std::string body, const Fault& fault) {
+Altered altered(std::string body, const Manner& manner) {
+    const Fault& fault = manner.fault;
     const auto size = static_cast<long>(body.size());
-    Altered plan{std::move(body), 0, 0, fault.dripBytes, fault.dripInterval};
+    Altered plan;
+    plan.body = std::move(body);
     plan.announced = static_cast<std::size_t>(std::max(0L, size + fault.lengthChange));
     plan.end = std::min(plan.body.size(), fault.cut.value_or(plan.body.size()));
+    plan.dripBytes = fault.dripBytes;
+    plan.dripInterval = fault.dripInterval;
+    plan.lastReply = manner.lastReply || plan.end != plan.announced;
     return plan;
 }
 
+/// False, which ends the connection, also after everything has been sent when it is to end.
 bool sendAltered(const Altered& plan, Interruption& interruption, httplib::DataSink& sink) {
     const std::size_t step = plan.dripBytes == 0 ? plan.body.size() + 1 : plan.dripBytes;
     for (std::size_t sent = 0; sent < plan.end; sent += step) {
@@ -139,8 +146,7 @@ bool sendAltered(const Altered& plan, Interruption& interruption, httplib::DataS
             return false;
         }
     }
-    // Anything but exactly the announced bytes ends the connection without TLS's close.
-    return plan.end == plan.announced;
+    return !plan.lastReply;
 }
 
 void sendAltered(Altered plan, Interruption& interruption, httplib::Response& response) {
@@ -177,6 +183,15 @@ void setBody(std::string body, const std::string& type, bool gzip, httplib::Resp
     response.set_content(body, type);
 }
 
+void renderHost(Reply& reply, Hostile hostile) {
+    if (reply.host) {
+        if (hostile != Hostile::none) {
+            makeHostile(*reply.host, hostile);
+        }
+        appendJson(reply.body, *reply.host);
+    }
+}
+
 }  // namespace
 
 bool Interruption::sleep(std::chrono::milliseconds time) {
@@ -193,33 +208,29 @@ void Interruption::interrupt() {
 }
 
 void transmit(
-    Reply reply, const Fault& fault, bool gzip, Interruption& interruption,
-    httplib::Response& response) {
+    Reply reply, const Manner& manner, Interruption& interruption, httplib::Response& response) {
+    const Fault& fault = manner.fault;
+    const bool alter = fault.changesTransmission() || manner.lastReply;
     setHead(reply, response);
     if (fault.endless) {
         sendEndless(interruption, response);
         return;
     }
-    if (reply.host) {
-        if (fault.hostile != Hostile::none) {
-            makeHostile(*reply.host, fault.hostile);
-        }
-        appendJson(reply.body, *reply.host);
-    }
+    renderHost(reply, fault.hostile);
     if (reply.listing) {
         ListingText text(std::move(reply.listing), fault.hostile);
         reply.body = text.next();
-        if (!text.ended() && !fault.changesTransmission()) {
-            stream(std::move(text), std::move(reply.body), gzip, response);
+        if (!text.ended() && !alter) {
+            stream(std::move(text), std::move(reply.body), manner.gzip, response);
             return;
         }
         while (!text.ended()) {
             reply.body += text.next();
         }
     }
-    setBody(std::move(reply.body), reply.contentType, gzip, response);
-    if (fault.changesTransmission()) {
-        sendAltered(altered(std::exchange(response.body, {}), fault), interruption, response);
+    setBody(std::move(reply.body), reply.contentType, manner.gzip, response);
+    if (alter) {
+        sendAltered(altered(std::exchange(response.body, {}), manner), interruption, response);
     }
 }
 
