@@ -2,6 +2,8 @@
 
 #include "arkeon/status.h"
 
+#include <cstring>
+
 namespace arkeon {
 namespace {
 
@@ -27,8 +29,6 @@ int statusOf(CURLcode result) {
     case CURLE_SEND_ERROR:
     case CURLE_RECV_ERROR:
         return status::connectionBroke;
-    case CURLE_URL_MALFORMAT:
-        return status::invalidServerName;
     case CURLE_SSL_CERTPROBLEM:
     case CURLE_SSL_CACERT_BADFILE:
         return status::unusableCertificate;
@@ -37,18 +37,22 @@ int statusOf(CURLcode result) {
     }
 }
 
+bool isChunked(CURL* handle) {
+    curl_header* encoding = nullptr;
+    return curl_easy_header(handle, "Transfer-Encoding", 0, CURLH_HEADER, -1, &encoding) ==
+               CURLHE_OK &&
+           strcasestr(encoding->value, "chunked") != nullptr;
+}
+
 /// Whether only the end of the connection ends the reply's body (RFC 9112, 6.3).
 bool endsWithConnection(CURL* handle) {
     constexpr long noContent = 204;
     constexpr long notModified = 304;
     long httpStatus = 0;
     curl_off_t length = 0;
-    curl_header* encoding = nullptr;
     curl_easy_getinfo(handle, CURLINFO_RESPONSE_CODE, &httpStatus);
     curl_easy_getinfo(handle, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
-    return httpStatus != noContent && httpStatus != notModified && length < 0 &&
-           curl_easy_header(handle, "Transfer-Encoding", 0, CURLH_HEADER, -1, &encoding) !=
-               CURLHE_OK;
+    return httpStatus != noContent && httpStatus != notModified && length < 0 && !isChunked(handle);
 }
 
 /// libcurl is content with a connection that is cut off inside the head, or anywhere in a body that
@@ -77,6 +81,22 @@ int transferStatus(CURL* handle, CURLcode result, const TransferNotes& notes) {
         return isWhole(handle, notes) ? status::success : status::connectionBroke;
     }
     return isRefusal(notes) && status != status::untrustedServer ? status::handshakeFailed : status;
+}
+
+std::string_view observed(CURLcode result, const TransferNotes& notes) {
+    if (notes.bodyTooLarge) {
+        return "the decoded body is over the limit";
+    }
+    if (notes.outOfMemory) {
+        return "no memory for the body";
+    }
+    if (notes.resendRefused) {
+        return "the connection broke; the request is not sent again";
+    }
+    if (result == CURLE_OK) {
+        return "the connection ended before the reply was whole";
+    }
+    return isRefusal(notes) ? "the server ended TLS with an alert" : "";
 }
 
 }  // namespace arkeon

@@ -82,7 +82,7 @@ private:
     void setNothingElse();
     bool prepare();
     int finish(CURLcode result, Reply& reply);
-    int failed(int status, std::string_view reason) const;
+    int failed(int status, std::string_view reason, std::string_view observation = {}) const;
 
     CurlHandle& handle_;
     const Request& request_;
@@ -158,10 +158,10 @@ bool Exchange::prepare() {
     return optionFailure_ == CURLE_OK;
 }
 
-int Exchange::failed(int status, std::string_view reason) const {
+int Exchange::failed(int status, std::string_view reason, std::string_view observation) const {
     report(
         {"HTTPS request to ", request_.server, ", port ", std::to_string(request_.port), ": ",
-         reason});
+         reason, observation.empty() ? "" : "; ", observation});
     return status;
 }
 
@@ -169,7 +169,9 @@ int Exchange::finish(CURLcode result, Reply& reply) {
     const int status = transferStatus(handle_.get(), result, handle_.notes());
     if (status != status::success) {
         const bool detailed = errorText_.front() != '\0';
-        return failed(status, detailed ? errorText_.data() : curl_easy_strerror(result));
+        return failed(
+            status, detailed ? errorText_.data() : curl_easy_strerror(result),
+            observed(result, handle_.notes()));
     }
     long httpStatus = 0;
     curl_easy_getinfo(handle_.get(), CURLINFO_RESPONSE_CODE, &httpStatus);

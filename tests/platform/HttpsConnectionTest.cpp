@@ -149,6 +149,7 @@ TEST_P(HttpsResendTest, RequestIsNeverSentTwice) {
         server.requests(),
         ElementsAre(StartsWith("GET /first "), StartsWith(std::string(method) + " /hosts/1 ")));
     EXPECT_EQ(server.connections(), 1);
+    EXPECT_THAT(log_.text(), HasSubstr("HTTPS request to 127.0.0.1, port "));
     EXPECT_EQ(send(client, method), 0) << "a new request makes a new connection";
     EXPECT_EQ(server.connections(), 2);
 }

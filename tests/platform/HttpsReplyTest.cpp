@@ -87,6 +87,7 @@ INSTANTIATE_TEST_SUITE_P(
         ReplyCase{
             "NoLengthButOrderlyEnd", "HTTP/1.1 200 OK\r\n\r\nabc", Ending::closeNotify, 0, 200,
             "abc"},
+        ReplyCase{"NoContentAndDrop", "HTTP/1.1 204 No Content\r\n\r\n", Ending::drop, 0, 204, ""},
         ReplyCase{"LengthAndDrop", plainReply("{}"), Ending::drop, 0, 200, "{}"},
         ReplyCase{
             "RedirectIsNotFollowed",
@@ -140,6 +141,10 @@ INSTANTIATE_TEST_SUITE_P(
             "BeforeLastChunkEnded",
             "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n3\r\nabc\r\n",
             Ending::closeNotify, broke, 0, ""},
+        ReplyCase{
+            "EncodingWithoutChunksAndDrop",
+            "HTTP/1.1 200 OK\r\nTransfer-Encoding: identity\r\n\r\nabc", Ending::drop, broke, 0,
+            ""},
         ReplyCase{"NoLengthAndDrop", "HTTP/1.1 200 OK\r\n\r\nabc", Ending::drop, broke, 0, ""}),
     testing::PrintToStringParamName());
 
@@ -170,6 +175,7 @@ TEST_F(HttpsReplySizeTest, BodyAtTheLimitIsTaken) {
 
 TEST_F(HttpsReplySizeTest, BodyOverTheLimitIsGivenUp) {
     EXPECT_EQ(resultOf(plainReply(std::string(1001, 'x'))), status::replyTooLarge);
+    EXPECT_THAT(log_.text(), HasSubstr("; the decoded body is over the limit\n"));
 }
 
 TEST_F(HttpsReplySizeTest, DecodedBytesCount) {
