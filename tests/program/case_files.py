@@ -11,7 +11,7 @@ STATUS_TEXTS = FOLDER.parent.parent / "platform" / "catalogue" / "StatusTexts.cp
 
 KEYS = {
     "name", "args", "argv0", "stdin", "environment", "dialogue", "tty", "stdout_to",
-    "stderr_to", "files", "server", "replies", "timeout",
+    "stderr_to", "ignores_sigpipe", "files", "server", "replies", "timeout",
     "stdout", "stderr", "stderr_begins", "status", "signal", "requests", "connections",
     "log", "log_is", "log_absent", "absent_files",
 }  # fmt: skip

@@ -159,7 +159,7 @@ class Run:
             self._command(tool, case, arguments),
             executable=None if self._closes(case) else tool,
             stdin=child, stdout=self.out.child, stderr=self.err.child,
-            env=environment, cwd=folder,
+            env=environment, cwd=folder, restore_signals=not case.get("ignores_sigpipe"),
         )  # fmt: skip
         os.close(child)
         self.out.started()
