@@ -246,13 +246,16 @@ def run_all(options, chosen):
     failed = 0
     with tempfile.TemporaryDirectory(prefix="akhostmgmt_cases_") as name:
         stage = Stage(options, pathlib.Path(name))
-        with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
+        pool = concurrent.futures.ThreadPoolExecutor(options.jobs)
+        try:
             runs = {label: pool.submit(run_case, stage, *rest) for label, *rest in chosen}
             for label, run in runs.items():
                 problems = [repr(run.exception())] if run.exception() else run.result()
                 failed += bool(problems)
                 if problems:
                     print("\n  ".join([f"FAILED {label}", *problems]), flush=True)
+        finally:
+            pool.shutdown(cancel_futures=True)  # the cases that run end before their folders go
     return failed
 
 

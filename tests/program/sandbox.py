@@ -89,7 +89,8 @@ class Sandbox:
             path.mkdir()
 
     def _messages(self, row, texts):
-        return [[texts.string(each, self.known) for each in message] for message in row["catalogue"]]
+        rows = row["catalogue"]
+        return [[texts.string(each, self.known) for each in message] for message in rows]
 
     def log_lines(self):
         """The lines of the debug log, without a final empty one."""
