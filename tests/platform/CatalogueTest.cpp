@@ -81,11 +81,13 @@ std::string quoted(const std::string& text) {
 
 /// A root folder with a catalogue for the language `xx`, and an environment that asks for it.
 class CatalogueTest : public testing::Test {
+public:
+    ~CatalogueTest() override { std::setlocale(LC_ALL, "C"); }
+
 protected:
     CatalogueTest()
         : root_("ARKEON_ROOT", folder_.path()), all_("LC_ALL", "C.UTF-8"),
           language_("LANGUAGE", "xx") {}
-    ~CatalogueTest() override { std::setlocale(LC_ALL, "C"); }
 
     void add(const std::string& context, const std::string& key, const std::string& translation) {
         entries_ += "msgctxt " + quoted(context) + "\nmsgid " + quoted(key) + "\nmsgstr " +

@@ -261,7 +261,7 @@ protected:
         buffer_ = std::string(100, 'x');
         return getHostID(type, server, buffer_.data(), size);
     }
-    std::string hostId() const { return buffer_.c_str(); }
+    std::string hostId() const { return buffer_.substr(0, buffer_.find('\0')); }
 
     static std::string row(const std::string& type, const std::string& server, const char* hostId) {
         return "[[certificate]]\ntype = \"" + type + "\"\nserver = \"" + server +

@@ -158,6 +158,9 @@ TEST(DebugLog, WithoutAnOpenLogNothingHappens) {
 
 /// Opens a log in a folder of its own.
 class OpenDebugLogTest : public testing::Test {
+public:
+    ~OpenDebugLogTest() override { close_debug_log(); }
+
 protected:
     OpenDebugLogTest() {
         std::filesystem::create_directory(folder_.path() / "admin");
@@ -167,7 +170,6 @@ protected:
         std::strftime(day.data(), day.size(), "%Y%m%d", &local);
         path_ = folder_.file(std::string("admin/tool.") + day.data() + ".log");
     }
-    ~OpenDebugLogTest() override { close_debug_log(); }
 
     int openLog(unsigned mode = 0666) {
         status_ = -1;

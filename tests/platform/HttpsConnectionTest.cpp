@@ -13,7 +13,6 @@ using support::TlsScriptServer;
 using support::TlsServerSettings;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::SizeIs;
 using testing::StartsWith;
 

@@ -19,9 +19,11 @@ std::string plainReply(const std::string& body = "{}", const std::string& status
 /// A root folder with certificates of an authority of its own for 127.0.0.1, a user's folder and a
 /// debug log.
 class HttpsTest : public testing::Test {
+public:
+    ~HttpsTest() override;
+
 protected:
     HttpsTest();
-    ~HttpsTest() override;
 
     /// A server's identity for these names and, unless given, the coming year.
     devserver::Identity identityFor(

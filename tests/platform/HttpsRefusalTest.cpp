@@ -5,7 +5,6 @@
 
 using support::TlsScriptServer;
 using testing::HasSubstr;
-using testing::Not;
 
 namespace status = arkeon::status;
 
@@ -13,9 +12,11 @@ namespace {
 
 /// Requests that are refused before anything is sent.
 class HttpsRefusalTest : public HttpsTest {
+public:
+    ~HttpsRefusalTest() override { EXPECT_EQ(server_.connections(), 0); }
+
 protected:
     HttpsRefusalTest() : server_(goodSettings(), {}) {}
-    ~HttpsRefusalTest() override { EXPECT_EQ(server_.connections(), 0); }
 
     AKClientCURL client(const LoginWithUserTokenManager* tokens = nullptr) const {
         return {"127.0.0.1", server_.port(), 1, AKCurlSessionType::rest, tokens};
@@ -114,8 +115,10 @@ TEST_F(HttpsTest, RefusedRequestLeavesNothingOfTheReplyBefore) {
 }
 
 TEST_F(HttpsTest, RequestTooLargeForLibcurlIsAFailureOfTheClient) {
+    std::string tooLong;
+    tooLong.resize(9'000'000, 'a');
     const TlsScriptServer server(goodSettings(), {{plainReply()}});
-    EXPECT_EQ(get(server.port(), std::string(9'000'000, 'a')), status::clientFailure);
+    EXPECT_EQ(get(server.port(), tooLong), status::clientFailure);
     EXPECT_THAT(server.requests(), testing::IsEmpty());
 }
 

@@ -6,7 +6,6 @@ using support::ScopedVariable;
 using support::TlsScriptServer;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::MatchesRegex;
 using testing::Not;
 using testing::SizeIs;
 using testing::StartsWith;

@@ -97,7 +97,7 @@ void finishSending(int socket) {
 void resetConnection(int socket) {
     sockaddr none{};
     none.sa_family = AF_UNSPEC;
-    connect(socket, &none, sizeof none);
+    static_cast<void>(connect(socket, &none, sizeof none));
 }
 
 bool readMore(SSL* tls, std::string& text) {

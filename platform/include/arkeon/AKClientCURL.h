@@ -16,7 +16,7 @@ enum class AKCurlSessionType { rest = 1 };
 /// environment says. Clients of one process share connections, so that requests to the same server
 /// and port need one TLS handshake. A request is given up with 7622 when connecting takes 30 s or
 /// the transfer moves less than a byte a second for 120 s, and with 7628 when the decoded body
-/// passes 2 GiB.
+/// passes 2 GiB. The first request takes SSLKEYLOGFILE out of the environment.
 ///
 /// Every method that sends returns 0 when a whole reply arrived, whatever its HTTP status, or a
 /// status code of arkeon/status.h; the reason is in the debug log. Nothing throws.
@@ -44,7 +44,8 @@ public:
 
     /// The request target is "/" and `uri`, byte for byte. A URI with a blank, a control character
     /// or DEL, or a header line with a control character, is refused with 7627 before anything is
-    /// sent; a server name that is none with 7626.
+    /// sent; a server name or a port that is none with 7626. Checked in this order: server name,
+    /// URI, header lines, certificate information and its files, login.
     int Get(const std::string& uri);
     int Delete(const std::string& uri);
     int Put(const std::string& uri, const std::string& body);

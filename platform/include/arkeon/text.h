@@ -23,8 +23,8 @@ std::size_t boundedFormat(char* buffer, std::size_t size, const char* format, ..
 std::size_t
 boundedFormatV(char* buffer, std::size_t size, const char* format, std::va_list arguments);
 
-/// The longest beginning of `text` of at most `limit` bytes that ends between two UTF-8 letters; a
-/// text that is not UTF-8 is cut at `limit`.
+/// The longest beginning of `text` of at most `limit` bytes that ends between two UTF-8 letters;
+/// bytes around the cut that are no UTF-8 letter are cut at `limit`.
 std::string_view cutText(std::string_view text, std::size_t limit);
 
 /// Whether `text` is well-formed UTF-8 (RFC 3629).
