@@ -218,7 +218,7 @@ struct CertificateAuthority::Parts {
 };
 
 Validity validForDays(int days) {
-    constexpr std::time_t day = 24 * 60 * 60;
+    constexpr std::time_t day = std::time_t{24} * 60 * 60;
     const std::time_t now = std::time(nullptr);
     const std::time_t end = now + days * day;
     return {days < 0 ? end - day : now - 300, end};

@@ -4,8 +4,8 @@
 #include <map>
 #include <mutex>
 
-typedef struct ssl_st SSL;
-typedef struct ssl_ctx_st SSL_CTX;
+using SSL = struct ssl_st;
+using SSL_CTX = struct ssl_ctx_st;
 
 namespace devserver {
 

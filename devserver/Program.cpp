@@ -134,6 +134,7 @@ void perform(const Options& options, std::ostream& out, std::ostream& err) {
         return;
     case Options::Task::initialise:
         printHowTo(Root(options), options, out);
+        warnOfOpenAddress(options, err);
         return;
     case Options::Task::serve:
         serve(options, out, err);

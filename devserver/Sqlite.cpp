@@ -29,9 +29,9 @@ int flagsOf(Mode mode) {
 Connection::Connection(const std::string& path, Mode mode) {
     if (sqlite3_open_v2(path.c_str(), &handle_, flagsOf(mode) | SQLITE_OPEN_NOMUTEX, nullptr) !=
         SQLITE_OK) {
-        const Error error(handle_ == nullptr ? "out of memory" : sqlite3_errmsg(handle_));
+        const std::string reason = handle_ == nullptr ? "out of memory" : sqlite3_errmsg(handle_);
         sqlite3_close(handle_);
-        throw error;
+        throw Error(reason);
     }
     sqlite3_extended_result_codes(handle_, 1);
     sqlite3_busy_timeout(handle_, 10'000);

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-typedef struct ssl_ctx_st SSL_CTX;
-typedef struct ssl_st SSL;
+using SSL_CTX = struct ssl_ctx_st;
+using SSL = struct ssl_st;
 
 namespace devserver {
 

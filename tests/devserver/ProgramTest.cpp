@@ -213,6 +213,23 @@ TEST(ProgramRun, InitOnlyFillsARootAndEnds) {
     EXPECT_EQ(audit.output.substr(0, 6), "WHEN  ");
 }
 
+TEST(ProgramRun, AnAddressThatOthersReachGetsAWarning) {
+    const TemporaryFolder folder;
+    const auto errorsFor = [&folder](const std::string& address) {
+        return runProgram({"--root", (folder.path() / "root").string(), "--init-only", "--listen",
+                           address})
+            .errors;
+    };
+    for (const char* address : {"0.0.0.0", "::", "192.0.2.1"}) {
+        const std::string errors = errorsFor(address);
+        EXPECT_TRUE(isOneLine(errors)) << errors;
+        EXPECT_NE(errors.find("is not a loopback address"), std::string::npos) << errors;
+    }
+    for (const char* address : {"127.9.8.7", "::1"}) {
+        EXPECT_EQ(errorsFor(address), "");
+    }
+}
+
 TEST(ProgramRun, PathsAreQuotedForTheShell) {
     const TemporaryFolder folder;
     const fs::path root = folder.path() / "it's here";
@@ -226,7 +243,7 @@ TEST(ProgramRun, AHundredThousandHostsTakeSeconds) {
     const Outcome outcome = runProgram(
         {"--root", (folder.path() / "root").string(), "--init-only", "--hosts", "100000"});
     EXPECT_EQ(outcome.status, 0) << outcome.errors;
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(60));
 }
 
 TEST(ProgramRun, WrongOptionsAreOneLineAndStatusTwo) {
