@@ -67,13 +67,14 @@ TEST(LoginFilePath, HomeComesFromThePasswordDatabaseOtherwise) {
 /// Runs in a process of its own, as a user that the password database does not know.
 [[noreturn]] void lookForHomeOfNobody() {
     constexpr uid_t unknownUser = 54321;
-    const bool changed = geteuid() != 0 || seteuid(unknownUser) == 0;
+    const uid_t before = geteuid();
+    const bool changed = before != 0 || seteuid(unknownUser) == 0;
     unsetenv("HOME");
     unsetenv("XDG_CONFIG_HOME");
     const bool known = getpwuid(geteuid()) != nullptr;
     const bool right = changed && arkeon::loginFile().empty() != known;
-    static_cast<void>(seteuid(0));
-    std::exit(right ? 0 : 1);
+    const bool back = seteuid(before) == 0;
+    std::exit(right && back ? 0 : 1);
 }
 
 TEST(LoginFilePathDeathTest, UserWithoutHomeHasNone) {
