@@ -6,7 +6,7 @@ check_pie_supported(LANGUAGES CXX)
 add_library(akhostmgmt_warnings INTERFACE)
 target_compile_options(akhostmgmt_warnings INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
-  -Wnon-virtual-dtor -Woverloaded-virtual -Wnull-dereference -Wformat=2 -Wno-format-nonliteral
+  -Wnon-virtual-dtor -Woverloaded-virtual -Wformat=2 -Wno-format-nonliteral
   -Wimplicit-fallthrough -Wundef -Wcast-qual
   $<$<BOOL:${AKHOSTMGMT_WERROR}>:-Werror>)
 

@@ -13,20 +13,14 @@ namespace {
 // The framework's own help option; its alias is a rule of each operation.
 constexpr const char* helpOption = "help";
 
-// The detail of a failure, which never takes more than 255 bytes.
-class Detail {
-public:
-    explicit Detail(const std::string& text) {
-        arkeon::boundedCopy(buffer_.data(), buffer_.size(), text);
-    }
-    const char* text() const { return buffer_.data(); }
+// A command without options has a table with no rows.
+const PARAMETERS noOptions{};
 
-private:
-    std::array<char, 256> buffer_{};
-};
-
+// The detail of a failure never takes more than 255 bytes.
 [[noreturn]] void refuse(usageExceptions code, const std::string& detail) {
-    throw CUsagecmd(code, Detail(detail).text());
+    std::array<char, 256> buffer{};
+    arkeon::boundedCopy(buffer.data(), buffer.size(), detail);
+    throw CUsagecmd(code, buffer.data());
 }
 
 }  // namespace
@@ -40,12 +34,8 @@ CBasecmd::CBasecmd(
     name = newName;
 }
 
-CBasecmd::CBasecmd(const char* newName, CArgscmd newArgs) : args(std::move(newArgs)) {
-    if (newName == nullptr) {
-        throw CRuntimecmd(commandNameIsNull);
-    }
-    name = newName;
-}
+CBasecmd::CBasecmd(const char* newName, CArgscmd newArgs)
+    : CBasecmd(newName, std::move(newArgs), &noOptions, 0) {}
 
 void CBasecmd::checkArguments() {
     if (args.exists(helpOption)) {

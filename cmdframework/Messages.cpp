@@ -29,6 +29,10 @@ const char* getECMessage(int status) {
     return getECmsgl(status, localeOfEnvironment());
 }
 
+std::string statusLine(int status, const std::string& text) {
+    return "Exit Status " + std::to_string(status) + ": " + text + "\n";
+}
+
 std::string messageText(const CatalogueText& message, const char* a1, const char* a2) {
     std::array<char, operationTextSize> buffer{};
     getMessage(buffer.data(), buffer.size(), message.id, message.text, a1, a2, nullptr);

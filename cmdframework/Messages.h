@@ -26,6 +26,9 @@ void getMessage(char* buf, unsigned long size, const char* id, const char* defau
 /// The catalogue's text for a status code; valid until the next call.
 const char* getECMessage(int status);
 
+/// The line in which a status and its text are shown: "Exit Status N: text", with its newline.
+std::string statusLine(int status, const std::string& text);
+
 /// Room for the text of an operation, its terminator included.
 inline constexpr unsigned long operationTextSize = 8192;
 

@@ -13,6 +13,8 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <memory>
+#include <string>
 
 using arkeon::Console;
 
@@ -38,6 +40,7 @@ constexpr CatalogueText notSuccessful =
 zvlocale locale;
 CLogcmd commandLog;
 
+// A text in the language that the run began with.
 std::string text(const CatalogueText& message, const char* argument = nullptr) {
     std::array<char, operationTextSize> buffer{};
     zvgetmsg(message.id, locale, buffer.data(), buffer.size(), message.text, argument);
@@ -81,8 +84,8 @@ int reportRunTimeFailure(const CRuntimecmd& failure) {
     return failure.errcode();
 }
 
-// The status when everything has been printed: lost output is a failure of a run that had none. A
-// reader that went away is no news to anybody.
+// The status when everything has been printed: lost output is a failure of a run that had none.
+// Nothing is said where the reader went away on purpose.
 int statusAfterOutput(int status) {
     Console& console = Console::standard();
     if (console.flush()) {
@@ -90,8 +93,7 @@ int statusAfterOutput(int status) {
     }
     if (console.outputError() != EPIPE) {
         console.writeError(
-            "Exit Status " + std::to_string(arkeon::status::outputFailed) + ": " +
-            getECMessage(arkeon::status::outputFailed) + "\n");
+            statusLine(arkeon::status::outputFailed, getECMessage(arkeon::status::outputFailed)));
     }
     return status == arkeon::status::success ? arkeon::status::outputFailed : status;
 }

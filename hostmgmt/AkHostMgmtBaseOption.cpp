@@ -3,6 +3,7 @@
 #include "arkeon/status.h"
 
 #include <cstdlib>
+#include <memory>
 #include <utility>
 
 AkHostMgmtBaseOption::AkHostMgmtBaseOption(

@@ -15,6 +15,10 @@ class AKClientCURL;
 /// request's body and then the server's reply, and the requests to the primary server.
 ///
 /// Operations return 0 or a status code: the server's error code, or one of arkeon/status.h.
+///
+/// Its parts stand in files of their own: the JSON object in AkHostMgmtBaseOption.cpp, the rules in
+/// ArgumentRules.cpp, whom to ask about which host in HostIdentity.cpp, the requests in
+/// ServerRequests.cpp, and a failure's words in ServerErrors.cpp.
 class AkHostMgmtBaseOption : public CBasecmd {
 public:
     /// `name` is the operation's option as given, `table` its options. The operation logs with the
@@ -64,7 +68,8 @@ public:
         const std::string& body, std::string& response, int& httpCode, LoginType login);
 
     /// Reads and logs the code and the message of a server's error reply.
-    /// @return 0; 7610, also in `errorCode`, when one of them is missing
+    /// @return 0; 7610, also in `errorCode`, when one of them is missing or of another type, or the
+    ///         code does not fit in 32 bits
     int logErrorMessage(const std::string& reply, long& errorCode);
 
     /// Shows the status line "Exit Status N: text" on standard error and logs the text; for 117 and
@@ -106,6 +111,7 @@ protected:
 
 private:
     JsonRef parseJSON(const char* text) const;
+    int encodeName(AKClientCURL& client, const std::string& plain, std::string& encoded) const;
     int auditHeaderLine(AKClientCURL& client, std::string& line) const;
     int perform(
         AKClientCURL& client, CurlRequestType method, const std::string& uri,

@@ -10,22 +10,20 @@ using arkeon::Console;
 
 namespace {
 
-using namespace individualAkHostMgmtCommandOptions;
-
 constexpr unsigned long longestHostName = 1024;
 
 const PARAMETERS paramList[] = {
-    {1, server, server_alias, 0, parameterTypes::string},
-    {2, hostid, hostid_alias, 0, parameterTypes::string},
-    {3, host, host_alias, 0, parameterTypes::string},
-    {4, short_output, short_output_alias, 0, parameterTypes::none},
-    {5, json, json_alias, 0, parameterTypes::none},
-    {6, json_compact, json_compact_alias, 0, parameterTypes::none},
-    {7, approved, approved_alias, 0, parameterTypes::none},
-    {8, pending, pending_alias, 0, parameterTypes::none},
-    {9, conflict, conflict_alias, 0, parameterTypes::none},
-    {10, apvmappings, apvmappings_alias, 0, parameterTypes::none},
-    {11, help, help_alias, 0, parameterTypes::none},
+    optionRow(1, option::server, parameterTypes::string),
+    optionRow(2, option::hostid, parameterTypes::string),
+    optionRow(3, option::host, parameterTypes::string),
+    optionRow(4, option::shortOutput, parameterTypes::none),
+    optionRow(5, option::json, parameterTypes::none),
+    optionRow(6, option::jsonCompact, parameterTypes::none),
+    optionRow(7, option::approved, parameterTypes::none),
+    optionRow(8, option::pending, parameterTypes::none),
+    optionRow(9, option::conflict, parameterTypes::none),
+    optionRow(10, option::apvmappings, parameterTypes::none),
+    optionRow(11, option::help, parameterTypes::none),
 };
 
 // `-apvmappings` is left out on purpose.
@@ -153,7 +151,7 @@ int AkHostMgmtList::chooseQuery(Query& query) {
         return findOwnHostId(query.hostId);
     } else {
         operationLog.logit("List operation, no option supplied", logLevel::ordinary);
-        // The count is always 0 here; the guard keeps a miscount from asking for everything.
+        // The count is always 0 here; the guard stays all the same.
         query.operation = optionCount == 0 ? OP_ALL_MAPPINGS : OP_ALL_HOSTS;
         listOperation = OP_ALL_MAPPINGS;
     }
@@ -192,9 +190,8 @@ int AkHostMgmtList::reportNothingFound() {
         Console::standard().write(messageText(nothingForOption) + "\n");
         return arkeon::status::success;
     }
-    const std::string text = messageText(nothingForHost);
     Console::standard().writeError(
-        "Exit Status " + std::to_string(arkeon::status::noMappings) + ": " + text + "\n");
+        statusLine(arkeon::status::noMappings, messageText(nothingForHost)));
     return arkeon::status::noMappings;
 }
 

@@ -28,7 +28,8 @@ public:
     /// reported on standard error, and that is all.
     void printOutput(std::string response);
 
-    /// Prints the mappings of one host: a table, or in the short format its names.
+    /// Prints the mappings of one host: a table, or in the short format its names. A mapping
+    /// without a name is "(null)" in the table and has the empty name in the short format.
     void printMappedHostNames(json_t* host, const char* primaryName);
 
     /// Prints the rows of the mapping table; in the unfiltered listing the approved mappings first.

@@ -20,16 +20,13 @@ constexpr std::size_t hostIdWidth = 40;
 constexpr std::size_t hostIdHeaderWidth = 39;
 constexpr std::array<std::size_t, 7> columnWidths = {20, 14, 12, 21, 11, 30, 22};
 
-constexpr const char* yes = "Yes";
-constexpr const char* no = "No";
-
 int writeJsonPiece(const char* text, std::size_t size, void* console) {
     static_cast<Console*>(console)->write({text, size});
     return 0;
 }
 
 const char* yesOrNo(const json_t* object, const char* key) {
-    return isTrue(object, key) ? yes : no;
+    return isTrue(object, key) ? yesText : noText;
 }
 
 // The primary name to look for; a host without one has the empty name.
@@ -50,13 +47,13 @@ const char* approvalOf(const json_t* mapping) {
     if (json_is_null(value)) {
         return "";
     }
-    return json_is_true(value) ? yes : no;
+    return json_is_true(value) ? yesText : noText;
 }
 
 // The inverse of "added manually"; null shows as "No".
 const char* autoDiscovered(const json_t* mapping) {
     const json_t* value = json_object_get(mapping, "isAddedManually");
-    return json_is_null(value) || json_is_true(value) ? no : yes;
+    return json_is_null(value) || json_is_true(value) ? noText : yesText;
 }
 
 std::string tableLine(const std::array<const char*, columnWidths.size()>& columns) {
@@ -83,7 +80,8 @@ void AkHostMgmtList::printOutput(std::string response) {
         console.write("\n");
         return;
     }
-    if (!replyParsed && loadJSON(response.c_str()) != 0) {
+    const bool parsed = std::exchange(replyParsed, false) || loadJSON(response.c_str()) == 0;
+    if (!parsed) {
         submitErrorStringForWebApi(arkeon::status::unreadableReply);
         return;
     }
@@ -218,8 +216,8 @@ void AkHostMgmtList::printSortedHostNames(json_t* host, const char* /*primaryNam
         printFilteredHostName(mappings, count, "");
         return;
     }
-    printFilteredHostName(mappings, count, yes);
-    printFilteredHostName(mappings, count, no);
+    printFilteredHostName(mappings, count, yesText);
+    printFilteredHostName(mappings, count, noText);
 }
 
 void AkHostMgmtList::printFilteredHostName(

@@ -34,7 +34,7 @@ void AkHostMgmtBaseOption::rejectHelpAlias() const {
 
 void AkHostMgmtBaseOption::rejectBoth(OptionName first, OptionName second) const {
     if (isGiven(first) && isGiven(second)) {
-        // The names follow the colon without a blank, as they always have.
+        // The names follow the colon without a blank on purpose.
         refuse(
             selectExactlyOne,
             messageText(messages::selectExactlyOne) + first.name + " " + second.name);

@@ -6,10 +6,10 @@ ListLabels::ListLabels() {
     for (std::size_t i = 0; i < labels_.size(); ++i) {
         labels_[i] = labelText(static_cast<HeaderType>(i));
     }
-    GetLocalizedBoolString("Yes", yes_.data(), static_cast<int>(yes_.size()));
-    GetLocalizedBoolString("No", no_.data(), static_cast<int>(no_.size()));
+    GetLocalizedBoolString(yesText, yes_.data(), static_cast<int>(yes_.size()));
+    GetLocalizedBoolString(noText, no_.data(), static_cast<int>(no_.size()));
 }
 
 const char* ListLabels::boolean(const char* text) const {
-    return std::strcmp(text, "Yes") == 0 ? yes_.data() : no_.data();
+    return std::strcmp(text, yesText) == 0 ? yes_.data() : no_.data();
 }

@@ -68,19 +68,18 @@ std::string labelText(HeaderType type) {
 }
 
 void GetLocalizedBoolString(const char* text, char* buffer, int size) {
-    const bool yes = std::strcmp(text, "Yes") == 0;
+    const bool yes = std::strcmp(text, yesText) == 0;
     GetLocalizedString(yes ? HeaderType::yes : HeaderType::no, buffer, size);
 }
 
 const char* getTrimmedString(const char* key, json_t* object) {
-    json_t* value = json_object_get(object, key);
-    const char* text = json_is_null(value) ? "" : json_string_value(value);
+    const char* text = stringMember(object, key);
     if (text == nullptr || std::strlen(text) <= longestColumnText) {
         return text;
     }
     const std::string cut = std::string(arkeon::cutText(text, longestColumnText)) + "~";
-    json_string_set(value, cut.c_str());
-    return json_string_value(value);
+    json_string_set(json_object_get(object, key), cut.c_str());
+    return stringMember(object, key);
 }
 
 std::string localDateText(std::int64_t milliseconds) {

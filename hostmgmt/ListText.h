@@ -38,6 +38,10 @@ enum class HeaderType {
     trustVersion = 27,
 };
 
+/// The words for true and false where they are not translated.
+inline constexpr const char* yesText = "Yes";
+inline constexpr const char* noText = "No";
+
 /// Writes the catalogue's text of a label into `buffer`, cut to `size` - 1 bytes; any other number
 /// leaves the buffer untouched.
 void GetLocalizedString(HeaderType type, char* buffer, int size);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "cmdframework/Parameterscmd.h"
+
 /// The options of the command line, without their leading "-".
 
 /// The options that choose the operation; the driver tests them in this order.
@@ -67,3 +69,9 @@ inline constexpr OptionName conflict{names::conflict, names::conflict_alias};
 inline constexpr OptionName apvmappings{names::apvmappings, names::apvmappings_alias};
 
 }  // namespace option
+
+/// The row of an option table for an option that the table does not require: what an operation
+/// needs is a rule of its own.
+inline PARAMETERS optionRow(std::uint32_t id, OptionName option, parameterTypes type) {
+    return {id, option.name, option.alias, 0, type};
+}

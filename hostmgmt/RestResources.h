@@ -3,7 +3,7 @@
 #include <string>
 
 /// The REST resources of the host database; the number chooses the URI.
-enum OperationType {
+enum OperationType : int {
     OP_MAPPED_HOST_NAME = 0,
     OP_HOST_ID = 1,
     OP_APPROVED = 2,
@@ -30,19 +30,17 @@ enum CurlRequestType : int {
 };
 
 /// How a request is authenticated.
-enum LoginType {
+enum LoginType : int {
     USER_LOGIN = 0,        ///< with the token of the user's login
     HOST_CERTIFICATE = 1,  ///< with the local host's certificate alone
 };
 
 /// The version of the server's interface that every request asks for.
-#define AK_MAX_API_VERSION "6.0"
+inline constexpr const char* MAX_VERSION = "6.0";
 
-inline constexpr const char* MAX_VERSION = AK_MAX_API_VERSION;
-inline constexpr const char* AK_MEDIA_TYPE_VERSION =
-    "application/vnd.arkeon+json;version=" AK_MAX_API_VERSION;
-
-#undef AK_MAX_API_VERSION
+/// The media type of every reply.
+inline const std::string AK_MEDIA_TYPE_VERSION =
+    std::string("application/vnd.arkeon+json;version=") + MAX_VERSION;
 
 /// The relative URI of a resource. `name` is percent-encoded already; the host ID is used as it is.
 std::string

@@ -2,6 +2,7 @@
 
 #include "arkeon/console.h"
 #include "arkeon/status.h"
+#include "arkeon/text.h"
 #include "hostmgmt/AkHostMgmtBaseOption.h"
 
 #include <cstdint>
@@ -36,7 +37,7 @@ void AkHostMgmtBaseOption::submitErrorStringForWebApi(int code) {
     if (code == arkeon::status::loginRefused || code == arkeon::status::loginExpired) {
         operationLog.logit(showWebLoginRequired(), logLevel::failure);
     }
-    showStatus(code, getECMessage(code));
+    showStatus(code, std::string(arkeon::cutText(getECMessage(code), operationTextSize - 1)));
 }
 
 std::string AkHostMgmtBaseOption::showWebLoginRequired() const {
@@ -48,5 +49,5 @@ std::string AkHostMgmtBaseOption::showWebLoginRequired() const {
 
 void AkHostMgmtBaseOption::showStatus(int code, const std::string& text) const {
     operationLog.logit(text, logLevel::failure);
-    Console::standard().writeError("Exit Status " + std::to_string(code) + ": " + text + "\n");
+    Console::standard().writeError(statusLine(code, text));
 }

@@ -7,6 +7,8 @@
 #include "arkeon/status.h"
 #include "hostmgmt/AkHostMgmtBaseOption.h"
 
+#include <optional>
+
 using arkeon::Console;
 
 namespace {
@@ -20,9 +22,25 @@ constexpr int hostCertificateType = 1;
 constexpr int clusterCertificateType = 2;
 
 bool isSuccess(CurlRequestType method, int httpCode) {
-    // A 204 to a PUT or POST is a failure: these have something to say.
+    // A 204 to a PUT, POST or GET is a failure: these have something to say.
     const bool mayBeEmpty = method == CURL_DELETE || method == CURL_PATCH;
     return httpCode == 200 || httpCode == 201 || (httpCode == 204 && mayBeEmpty);
+}
+
+int callClient(
+    AKClientCURL& client, CurlRequestType method, const std::string& uri, const std::string& body) {
+    switch (method) {
+    case CURL_PUT:
+        return client.Put(uri, body);
+    case CURL_DELETE:
+        return client.Delete(uri);
+    case CURL_PATCH:
+        return client.Patch(uri, body);
+    case CURL_POST:
+        return client.Post(uri, body);
+    default:
+        return client.Get(uri);
+    }
 }
 
 }  // namespace
@@ -91,18 +109,16 @@ int AkHostMgmtBaseOption::curlSendRequest(
     }
     operationLog.logit("Master server is: " + server, logLevel::ordinary);
 
-    // The user's login is always that of certificate type 1, also on a cluster.
-    const LoginWithUserTokenManager tokens(serverPort, "", "", "", "", hostCertificateType);
+    std::optional<LoginWithUserTokenManager> tokens;
+    if (login == USER_LOGIN) {
+        // The user's login is that of certificate type 1, also on a cluster.
+        tokens.emplace(serverPort, "", "", "", "", hostCertificateType);
+    }
     AKClientCURL client(
         server, serverPort, localCertificateType(), AKCurlSessionType::rest,
-        login == USER_LOGIN ? &tokens : nullptr);
-
+        tokens ? &*tokens : nullptr);
     std::string encodedName;
-    if (const int failure = client.encodeUriString(targetName, encodedName); failure != 0) {
-        const std::string text = std::string("Unable to encode hostname : ") + targetName +
-                                 ", error : " + std::to_string(failure);
-        operationLog.logit(text, logLevel::ordinary);
-        Console::standard().writeError(text + "\n");
+    if (const int failure = encodeName(client, targetName, encodedName); failure != 0) {
         return failure;
     }
     const std::string uri = getURI(operation, hostId, encodedName);
@@ -125,6 +141,18 @@ int AkHostMgmtBaseOption::curlSendRequest(
     return arkeon::status::success;
 }
 
+int AkHostMgmtBaseOption::encodeName(
+    AKClientCURL& client, const std::string& plain, std::string& encoded) const {
+    const int failure = client.encodeUriString(plain, encoded);
+    if (failure != 0) {
+        const std::string text =
+            "Unable to encode hostname : " + plain + ", error : " + std::to_string(failure);
+        operationLog.logit(text, logLevel::ordinary);
+        Console::standard().writeError(text + "\n");
+    }
+    return failure;
+}
+
 int AkHostMgmtBaseOption::auditHeaderLine(AKClientCURL& client, std::string& line) const {
     const std::string text = valueOf(option::reason);
     std::string encoded;
@@ -142,31 +170,15 @@ int AkHostMgmtBaseOption::auditHeaderLine(AKClientCURL& client, std::string& lin
 int AkHostMgmtBaseOption::perform(
     AKClientCURL& client, CurlRequestType method, const std::string& uri, const std::string& body,
     const std::string& auditHeader) const {
-    if (method != CURL_GET) {
-        client.setupAcceptCurlOption(auditHeader);  // also when no reason was given
-    }
-    int result = arkeon::status::success;
-    switch (method) {
-    case CURL_GET:
-        result = client.Get(uri);
-        break;
-    case CURL_PUT:
-        result = client.Put(uri, body);
-        break;
-    case CURL_DELETE:
-        result = client.Delete(uri);
-        break;
-    case CURL_PATCH:
-        result = client.Patch(uri, body);
-        break;
-    case CURL_POST:
-        result = client.Post(uri, body);
-        break;
-    default:
+    if (method < CURL_GET || method > CURL_POST) {
         Console::standard().writeError("Unknown Request Type " + std::to_string(method) + "\n");
         operationLog.logit("Unknown Request Type", logLevel::failure);
         return arkeon::status::generalFailure;
     }
+    if (method != CURL_GET) {
+        client.setupAcceptCurlOption(auditHeader);  // also when no reason was given
+    }
+    const int result = callClient(client, method, uri, body);
     if (result != 0) {
         operationLog.logit(
             "Failed to perform curl request for URI :" + uri + " retval :" + std::to_string(result),

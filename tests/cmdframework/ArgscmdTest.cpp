@@ -146,6 +146,10 @@ TEST(Argscmd, NumericValues) {
     }
 }
 
+TEST(Argscmd, AMinusBehindABlankWrapsAsTheStreamReadsIt) {
+    EXPECT_EQ(parsed({"-ar", " -5"}).numericValue("ar"), 4294967291U);
+}
+
 TEST(Argscmd, NumericFailures) {
     for (const char* text :
          {"4294967296", "99999999999999999999", "0x10", "12abc", "abc", " ", "1 2", "1.5", "é"}) {

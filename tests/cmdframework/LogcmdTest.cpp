@@ -95,12 +95,16 @@ TEST(Logcmd, ASecondInitOpensNothingAndChangesNothingThatIsSet) {
 TEST(Logcmd, EmptyAndNullSettingsAreNotTaken) {
     const LogFolder folder;
     CLogcmd log;
-    log.init(nullptr, nullptr, nullptr, nullptr);
-    EXPECT_EQ(CLogcmd::useCount(), 1U);
-    CLogcmd later;
-    later.init(folder.root(), "tool", "admin", nullptr);
-    EXPECT_TRUE(later.logDirectoryExists());
-    EXPECT_TRUE(folder.lines().empty()) << "the count was not 0 any more";
+    log.init(folder.root(), nullptr, "", nullptr);
+    log.init(nullptr, "tool", "admin", nullptr);
+    EXPECT_TRUE(log.logDirectoryExists()) << "root and sub-directory are set now";
+    static std::string lastName;
+    log.init(nullptr, nullptr, nullptr, [](int, const char*, const char* name) {
+        lastName = name;
+        return 0;
+    });
+    log.logit("x", 2);
+    EXPECT_EQ(lastName, "") << "the program's name is taken only with the opening of the log";
 }
 
 TEST(Logcmd, CopiesAndDefaultConstructionLeaveTheUseCountAlone) {

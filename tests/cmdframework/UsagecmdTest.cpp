@@ -27,6 +27,7 @@ constexpr CodeAndText everyCode[] = {
     {11, "Either parameter name or alias of the following option required:"},
     {12, "Unknown usage error."},
     {13, "Please select exactly one of these options:"},
+    {14, "Either (null) or (null) is required and was not specified"},
     {15, "Mapping name must not contain slashes ('/' or '\\')"},
     {16, "The value for the following parameter is too long."},
     {17, "Unknown usage error."},

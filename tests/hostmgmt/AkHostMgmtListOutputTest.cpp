@@ -142,9 +142,16 @@ TEST(MappingTable, DatesAreLocal) {
 }
 
 TEST(MappingTable, DatesFarOutOfRangeAreHarmless) {
-    for (const char* number : {"9223372036854775807", "-9223372036854775808", "1e300", "\"x\""}) {
-        const std::string members = std::string(R"("createdOn":)") + number;
-        EXPECT_EQ(table(mapping("\"a\"", members)).substr(0, 3), "\na ") << number;
+    const std::pair<const char*, const char*> rows[] = {
+        {"9223372036854775807", "Aug 17, 292278994 07:12:55 AM"},
+        {"-9223372036854775808", "May 16, -292275055 04:47:05 PM"},
+        {"1e300", epoch},
+        {"\"x\"", epoch},
+        {"true", epoch},
+    };
+    for (const auto& [number, date] : rows) {
+        const std::string out = table(mapping("\"a\"", std::string(R"("createdOn":)") + number));
+        EXPECT_NE(out.find(" " + std::string(date)), std::string::npos) << out;
     }
 }
 
@@ -222,10 +229,38 @@ TEST(ShortFormat, OneHeaderForAllHosts) {
             std::string(34, ' ') + "\n");
 }
 
+TEST(ShortFormat, AnEmptyListHasNoHeader) {
+    LogLines lines;
+    AkHostMgmtList operation(parsed({"-list", "-short"}), lines.log);
+    EXPECT_EQ(printedBy([&] { operation.printOutput(R"({"hosts":[]})"); }).out, "");
+}
+
 TEST(ShortFormat, AQueryByHostIdHasTheHeaderToo) {
     EXPECT_EQ(
         listed({"-i", "x", "-l"}, hostWith(mapping("\"a\""))),
         "\nHost ID                                 Mapped Names\nU" + std::string(39, ' ') + "a\n");
+}
+
+TEST(PrimaryHostExist, ComparesByteForByteAndCountsNullAsEmpty) {
+    LogLines lines;
+    const AkHostMgmtList operation(parsed({"-list"}), lines.log);
+    const auto exists = [&operation](const std::string& host, const char* name) {
+        const JsonRef record(json_loads(host.c_str(), 0, nullptr));
+        return operation.primaryHostExist(record.get(), name);
+    };
+    const std::string host = hostWith(mapping("\"a\"") + "," + mapping("null"));
+    EXPECT_EQ(exists(host, "a"), 1);
+    EXPECT_EQ(exists(host, "A"), 0);
+    EXPECT_EQ(exists(host, ""), 1);
+    EXPECT_EQ(exists(hostWith(""), ""), 0);
+    EXPECT_EQ(exists("{}", "a"), 0);
+}
+
+TEST(PrintOutput, EachReplyIsParsedForItself) {
+    LogLines lines;
+    AkHostMgmtList operation(parsed({"-list", "-json"}), lines.log);
+    EXPECT_EQ(printedBy([&] { operation.printOutput("{}"); }).out, "{}");
+    EXPECT_EQ(printedBy([&] { operation.printOutput("[]"); }).out, "[]");
 }
 
 TEST(JsonFormat, IsIndentedBy3InTheServersOrderWithoutAFinalNewline) {

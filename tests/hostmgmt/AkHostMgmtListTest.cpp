@@ -1,5 +1,6 @@
 #include "cmdframework/Messages.h"
 #include "support/Environment.h"
+#include "support/StatusLines.h"
 #include "support/TempDir.h"
 #include "support/TestListing.h"
 #include "support/Throws.h"
@@ -12,10 +13,6 @@ namespace {
 using Lines = std::vector<std::string>;
 
 constexpr const char* oneHost = R"({"hosts":[{"uuid":"U"}]})";
-
-std::string statusLine(int code) {
-    return "Exit Status " + std::to_string(code) + ": " + getECMessage(code) + "\n";
-}
 
 /// The text of the usage failure of `-list` with further options.
 std::string refusal(std::vector<std::string> options) {
@@ -193,7 +190,7 @@ TEST(ListResult, AFailedRequestIsReturnedAndPrintsNothingElse) {
         {"-json_compact", "-hostid", "x"}, {0, 404, R"({"errorCode":8701,"errorMessage":"m"})"});
     EXPECT_EQ(listing.result, 8701);
     EXPECT_EQ(listing.out, "");
-    EXPECT_EQ(listing.err, statusLine(8701));
+    EXPECT_EQ(listing.err, lineOf(8701));
 }
 
 TEST(ListResult, AnyOtherSuccessThan200PrintsNothing) {
@@ -208,7 +205,7 @@ TEST(ListResult, AnUnreadableListIs7610) {
         const Listing listing = listWith(options, {0, 200, "<html>"});
         EXPECT_EQ(listing.result, 7610);
         EXPECT_EQ(listing.out, "");
-        EXPECT_EQ(listing.err, statusLine(7610));
+        EXPECT_EQ(listing.err, lineOf(7610));
     }
 }
 
@@ -218,7 +215,7 @@ TEST(ListResult, AnUnreadableHostIsReportedButCountsAsDone) {
         const Listing listing = listWith(options, {0, 200, "<html>"});
         EXPECT_EQ(listing.result, 0);
         EXPECT_EQ(listing.out, "");
-        EXPECT_EQ(listing.err, statusLine(7610));
+        EXPECT_EQ(listing.err, lineOf(7610));
     }
 }
 

@@ -1,6 +1,7 @@
 #include "cmdframework/Messages.h"
 #include "support/Environment.h"
 #include "support/FakeClient.h"
+#include "support/StatusLines.h"
 #include "support/Streams.h"
 #include "support/TempDir.h"
 #include "support/TestOperation.h"
@@ -11,14 +12,6 @@
 namespace {
 
 using support::FakeClient;
-
-constexpr const char* webLogin =
-    "Authorization failed. A web login is required. Run the 'akauth -login -loginType "
-    "WEB|APIKEY' command to login.\n";
-
-std::string statusLine(int code) {
-    return "Exit Status " + std::to_string(code) + ": " + getECMessage(code) + "\n";
-}
 
 /// A configuration root whose master configuration is the given text.
 class Root {
@@ -129,10 +122,12 @@ Lookup lookUp(const support::FakeReply& reply) {
 
 TEST(GetUuid, AGivenHostIdAsksNobody) {
     FakeClient client;
-    TestOperation test({"-hostid", "X", "-host", "name"});
-    std::string id;
-    EXPECT_EQ(test.operation.getUuid(id), 0);
-    EXPECT_EQ(id, "X");
+    for (const char* option : {"-hostid", "-i"}) {
+        TestOperation test({option, "X", "-host", "name"});
+        std::string id;
+        EXPECT_EQ(test.operation.getUuid(id), 0);
+        EXPECT_EQ(id, "X");
+    }
 }
 
 TEST(GetUuid, AnUnambiguousNameGivesTheHostId) {
@@ -163,7 +158,7 @@ TEST(GetUuid, ANameOfTwoHostsIs8900) {
 TEST(GetUuid, AnUnknownNameIs8701) {
     const Lookup lookup = lookUp({0, 200, R"({"hosts":[]})"});
     EXPECT_EQ(lookup.result, 8701);
-    EXPECT_EQ(lookup.err, statusLine(8701));
+    EXPECT_EQ(lookup.err, lineOf(8701));
 }
 
 TEST(GetUuid, ALookupNeverSucceedsWithoutAHostId) {
@@ -186,7 +181,7 @@ TEST(GetUuid, ALookupNeverSucceedsWithoutAHostId) {
         const Lookup lookup = lookUp(reply);
         EXPECT_EQ(lookup.result, 7610) << reply.body;
         EXPECT_EQ(lookup.id, "") << reply.body;
-        EXPECT_EQ(lookup.err, statusLine(7610)) << reply.body;
+        EXPECT_EQ(lookup.err, lineOf(7610)) << reply.body;
         EXPECT_TRUE(TestOperation::logged(line)) << line;
     }
 }
@@ -194,7 +189,7 @@ TEST(GetUuid, ALookupNeverSucceedsWithoutAHostId) {
 TEST(GetUuid, TheServersErrorIsReported) {
     const Lookup lookup = lookUp({0, 403, R"({"errorCode":1234,"errorMessage":"m"})"});
     EXPECT_EQ(lookup.result, 1234);
-    EXPECT_EQ(lookup.err, statusLine(1234));
+    EXPECT_EQ(lookup.err, lineOf(1234));
 }
 
 TEST(GetUuid, AnyOtherStatusThan200IsAnError) {
@@ -206,14 +201,14 @@ TEST(GetUuid, ALoginThatIsNeededIsAskedForOnceWithoutAStatusLine) {
     for (const int status : {5930, 117, 118}) {
         const Lookup lookup = lookUp({status, 0, ""});
         EXPECT_EQ(lookup.result, status);
-        EXPECT_EQ(lookup.err, webLogin);
+        EXPECT_EQ(lookup.err, webLogin + "\n");
     }
 }
 
 TEST(GetUuid, ATransportFailureIsReported) {
     const Lookup lookup = lookUp({7625, 0, ""});
     EXPECT_EQ(lookup.result, 7625);
-    EXPECT_EQ(lookup.err, statusLine(7625));
+    EXPECT_EQ(lookup.err, lineOf(7625));
 }
 
 }  // namespace

@@ -29,6 +29,7 @@ TEST(RestResources, EveryOperationHasItsUri) {
         {12, "testhost1"},
         {13, ""},
         {14, ""},
+        {99, ""},
     };
     for (const Row& row : rows) {
         EXPECT_EQ(
@@ -48,7 +49,7 @@ TEST(RestResources, AHostIdIsUsedAsItIs) {
 
 TEST(RestResources, TheMediaTypeNamesTheVersion) {
     EXPECT_STREQ(MAX_VERSION, "6.0");
-    EXPECT_STREQ(AK_MEDIA_TYPE_VERSION, "application/vnd.arkeon+json;version=6.0");
+    EXPECT_EQ(AK_MEDIA_TYPE_VERSION, "application/vnd.arkeon+json;version=6.0");
 }
 
 }  // namespace

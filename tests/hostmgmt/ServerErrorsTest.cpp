@@ -1,4 +1,5 @@
 #include "cmdframework/Messages.h"
+#include "support/StatusLines.h"
 #include "support/Streams.h"
 #include "support/TestOperation.h"
 
@@ -7,14 +8,6 @@
 namespace {
 
 using Lines = std::vector<std::string>;
-
-constexpr const char* webLogin =
-    "Authorization failed. A web login is required. Run the 'akauth -login -loginType "
-    "WEB|APIKEY' command to login.";
-
-std::string statusLine(int code) {
-    return "Exit Status " + std::to_string(code) + ": " + getECMessage(code) + "\n";
-}
 
 TEST(ServerErrors, CodeAndMessageAreReadAndLogged) {
     TestOperation test;
@@ -81,7 +74,7 @@ TEST(ServerErrors, TheStatusLineCarriesCodeAndText) {
     for (const int code : {8701, 7610, 5930, 20, -5, 123456}) {
         TestOperation test;
         const Printed printed = printedBy([&] { test.operation.submitErrorStringForWebApi(code); });
-        EXPECT_EQ(printed.err, statusLine(code));
+        EXPECT_EQ(printed.err, lineOf(code));
         EXPECT_EQ(printed.out, "");
         EXPECT_EQ(LogLines::lines(), Lines{std::string("16 ") + getECMessage(code)});
     }
@@ -91,10 +84,9 @@ TEST(ServerErrors, ForALoginThatIsRefusedOrExpiredTheLoginIsAskedForFirst) {
     for (const int code : {117, 118}) {
         TestOperation test;
         const Printed printed = printedBy([&] { test.operation.submitErrorStringForWebApi(code); });
-        EXPECT_EQ(printed.err, std::string(webLogin) + "\n" + statusLine(code));
+        EXPECT_EQ(printed.err, webLogin + "\n" + lineOf(code));
         EXPECT_EQ(
-            LogLines::lines(),
-            (Lines{std::string("16 ") + webLogin, std::string("16 ") + getECMessage(code)}));
+            LogLines::lines(), (Lines{"16 " + webLogin, std::string("16 ") + getECMessage(code)}));
     }
 }
 

@@ -1,6 +1,7 @@
 #include "cmdframework/Messages.h"
 #include "support/Environment.h"
 #include "support/FakeClient.h"
+#include "support/StatusLines.h"
 #include "support/Streams.h"
 #include "support/TempDir.h"
 #include "support/TestOperation.h"
@@ -14,13 +15,6 @@ using support::FakeRequest;
 using Lines = std::vector<std::string>;
 
 constexpr const char* accept = "Accept: application/vnd.arkeon+json;version=6.0";
-constexpr const char* webLogin =
-    "Authorization failed. A web login is required. Run the 'akauth -login -loginType "
-    "WEB|APIKEY' command to login.\n";
-
-std::string statusLine(int code) {
-    return "Exit Status " + std::to_string(code) + ": " + getECMessage(code) + "\n";
-}
 
 /// One request and all that it left behind.
 struct Outcome {
@@ -154,11 +148,30 @@ TEST(ServerRequests, SuccessPrintsNothingAndIsLogged) {
     EXPECT_EQ(LogLines::lines().back(), "2 Http return code : 201, Response string : body");
 }
 
+TEST(ServerRequests, ARequestIsLoggedStepByStep) {
+    FakeClient client({{0, 404, R"({"errorCode":5,"errorMessage":"m"})"}});
+    TestOperation test({"-server", "primary", "-r", "why"});
+    send(test, CURL_DELETE);
+    EXPECT_EQ(
+        LogLines::lines(),
+        (Lines{
+            "2 Master server is: primary",
+            "2 serverUri is: arkeon/config/hosts/ID/hostmappings/na%20me",
+            "2 Encoded reason: why",
+            "16 Error code returned by server is :5\n",
+            "16 Error message returned by server is :m\n",
+            std::string("16 ") + getECMessage(5),
+            "16 API Response Error Code: 5",
+            "16 URI Return Code: 404",
+            R"(2 Http return code : 404, Response string : {"errorCode":5,"errorMessage":"m"})",
+        }));
+}
+
 TEST(ServerRequests, TheLoginIsAskedForTwiceFor117And118AndOnceFor5930) {
     const std::pair<int, std::string> rows[] = {
-        {117, std::string(webLogin) + webLogin + statusLine(117)},
-        {118, std::string(webLogin) + webLogin + statusLine(118)},
-        {5930, webLogin + statusLine(5930)},
+        {117, webLogin + "\n" + webLogin + "\n" + lineOf(117)},
+        {118, webLogin + "\n" + webLogin + "\n" + lineOf(118)},
+        {5930, webLogin + "\n" + lineOf(5930)},
     };
     for (const auto& [status, text] : rows) {
         const Outcome outcome = sendTo({status, 0, ""}, CURL_GET);
@@ -182,7 +195,7 @@ TEST(ServerRequests, ATransportFailureLeavesResponseAndCodeUntouched) {
     });
     EXPECT_EQ(response, "before");
     EXPECT_EQ(httpCode, 77);
-    EXPECT_EQ(printed.err, statusLine(7621));
+    EXPECT_EQ(printed.err, lineOf(7621));
     EXPECT_TRUE(TestOperation::logged(
         "16 Failed to perform curl request for URI :arkeon/config/hosts/ID retval :7621"));
     EXPECT_EQ(LogLines::lines().back(), "2 Http return code : 77, Response string : before");
@@ -192,7 +205,7 @@ TEST(ServerRequests, AServersErrorCodeIsShownAndReturned) {
     const std::string body = R"({"errorCode":9876,"errorMessage":"m"})";
     const Outcome outcome = sendTo({0, 409, body}, CURL_PUT);
     EXPECT_EQ(outcome.result, 9876);
-    EXPECT_EQ(outcome.printed.err, statusLine(9876));
+    EXPECT_EQ(outcome.printed.err, lineOf(9876));
     EXPECT_TRUE(TestOperation::logged("16 API Response Error Code: 9876"));
     EXPECT_TRUE(TestOperation::logged("16 URI Return Code: 409"));
     EXPECT_EQ(LogLines::lines().back(), "2 Http return code : 409, Response string : " + body);
@@ -208,7 +221,7 @@ TEST(ServerRequests, AnErrorReplyIsTakenAsItStandsCodeZeroIncluded) {
 TEST(ServerRequests, A204ToAPutReportsTheMissingCode) {
     const Outcome outcome = sendTo({0, 204, ""}, CURL_PUT);
     EXPECT_EQ(outcome.result, 7610);
-    EXPECT_EQ(outcome.printed.err, statusLine(7610));
+    EXPECT_EQ(outcome.printed.err, lineOf(7610));
 }
 
 TEST(ServerRequests, DeletingAnUnknownMappingIs8901) {
@@ -237,8 +250,7 @@ TEST(ServerRequests, ANameThatCannotBeEncodedSendsNothing) {
     const Outcome outcome = send(test, CURL_PUT);
     EXPECT_EQ(outcome.result, 7629);
     EXPECT_EQ(
-        outcome.printed.err,
-        "Unable to encode hostname : na me, error : 7629\n" + statusLine(7629));
+        outcome.printed.err, "Unable to encode hostname : na me, error : 7629\n" + lineOf(7629));
     EXPECT_TRUE(TestOperation::logged("2 Unable to encode hostname : na me, error : 7629"));
     EXPECT_TRUE(client.requests.empty());
 }
@@ -250,7 +262,7 @@ TEST(ServerRequests, AReasonThatCannotBeEncodedSendsNothing) {
     TestOperation test({"-server", "primary", "-reason", "why"});
     const Outcome outcome = send(test, CURL_PUT);
     EXPECT_EQ(outcome.result, 7629);
-    EXPECT_EQ(outcome.printed.err, statusLine(7629));
+    EXPECT_EQ(outcome.printed.err, lineOf(7629));
     EXPECT_TRUE(TestOperation::logged("2 Unable to encode reason: why, error: 7629"));
     EXPECT_TRUE(client.requests.empty());
 }
@@ -260,7 +272,7 @@ TEST(ServerRequests, AnUnknownMethodIsRefused) {
     TestOperation test;
     const Outcome outcome = send(test, static_cast<CurlRequestType>(9));
     EXPECT_EQ(outcome.result, 20);
-    EXPECT_EQ(outcome.printed.err, "Unknown Request Type 9\n" + statusLine(20));
+    EXPECT_EQ(outcome.printed.err, "Unknown Request Type 9\n" + lineOf(20));
     EXPECT_TRUE(TestOperation::logged("16 Unknown Request Type"));
 }
 
@@ -269,6 +281,7 @@ TEST(ServerRequests, AnEmptyServerNameIsNoServer) {
     TestOperation test({"-server"});
     const Outcome outcome = send(test, CURL_GET);
     EXPECT_EQ(outcome.result, 37);
+    EXPECT_EQ(outcome.printed.err, lineOf(37));
     EXPECT_TRUE(TestOperation::logged("16 Master Server not found"));
     EXPECT_TRUE(client.requests.empty());
 }
