@@ -37,12 +37,31 @@ std::string queried(const fs::path& database, const char* sql) {
 
 void runInThreads(int count, const std::function<void(int)>& work) {
     std::vector<std::thread> threads;
+    threads.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) {
         threads.emplace_back(work, i);
     }
     for (std::thread& thread : threads) {
         thread.join();
     }
+}
+
+/// A mapped name like "n-7-1".
+std::string numberedName(const char* start, std::initializer_list<int> numbers) {
+    std::string name = start;
+    for (const int number : numbers) {
+        name += '-';
+        name += std::to_string(number);
+    }
+    return name;
+}
+
+std::string mappingOf(const std::string& name) {
+    return hosts + '/' + testhost2 + "/hostmappings/" + name;
+}
+
+std::string lookUpOf(const std::string& name) {
+    return hosts + "/hostmappings?mappedhostname=" + name;
 }
 
 TEST(Load, AHundredClientsAtOnceAreAllServed) {
@@ -54,10 +73,9 @@ TEST(Load, AHundredClientsAtOnceAreAllServed) {
         Client client(server.root(), server.address());
         client.limitTime(60'000);
         for (int i = 0; i < changesEach; ++i) {
-            const std::string name = 'n' + std::to_string(number) + '-' + std::to_string(i);
-            const Received changed = client.put(
-                hosts + '/' + testhost2 + "/hostmappings/" + name, R"({"isShared":false})");
-            const Received listed = client.get(hosts + "/hostmappings?mappedhostname=" + name);
+            const std::string name = numberedName("n", {number, i});
+            const Received changed = client.put(mappingOf(name), R"({"isShared":false})");
+            const Received listed = client.get(lookUpOf(name));
             if (changed.status != 201 || listed.body.find(name) == std::string::npos) {
                 ++failed;
             }
@@ -67,8 +85,8 @@ TEST(Load, AHundredClientsAtOnceAreAllServed) {
     server.stop();
     const fs::path database = server.root() / "hosts.db";
     EXPECT_EQ(
-        queried(database, "SELECT count(*) FROM mappings WHERE mappedHostName GLOB 'n*-*'"),
-        std::to_string(clients * changesEach + 0));
+        queried(database, "SELECT count(*) FROM mappings WHERE mappedHostName GLOB 'n-*-*'"),
+        std::to_string(clients * changesEach));
     EXPECT_EQ(
         queried(database, "SELECT count(*) FROM audit WHERE status=201"),
         std::to_string(clients * changesEach));
@@ -123,10 +141,8 @@ TEST(Load, NothingAnsweredIsLostWhenTheServerIsKilled) {
         runInThreads(8, [&](int number) {
             Client client(root, address);
             for (int i = 0;; ++i) {
-                const std::string name = 'k' + std::to_string(round) + '-' +
-                                         std::to_string(number) + '-' + std::to_string(i);
-                const Received reply = client.put(
-                    hosts + '/' + testhost2 + "/hostmappings/" + name, R"({"isShared":false})");
+                const std::string name = numberedName("k", {round, number, i});
+                const Received reply = client.put(mappingOf(name), R"({"isShared":false})");
                 if (reply.status != 201) {
                     return;
                 }
