@@ -210,8 +210,9 @@ TEST_F(RootFolder, ADamagedDatabaseIsAFailure) {
     { const Root root(options); }
     options.hosts.reset();
     std::fstream database(file("hosts.db"));
-    database.seekp(4096 * 6);
-    database << std::string(4096 * 4, '\x5a');
+    constexpr std::size_t page = 4096;
+    database.seekp(static_cast<std::streamoff>(page * 6));
+    database << std::string(page * 4, '\x5a');
     database.close();
     EXPECT_NE(failure().find("cannot use the database"), std::string::npos);
 }

@@ -64,7 +64,10 @@ curl_slist* headerLines(const Headers& given, const std::string& token) {
     }
     curl_slist* lines = nullptr;
     for (const auto& [name, value] : all) {
-        lines = curl_slist_append(lines, (name + (value.empty() ? ":" : ": " + value)).c_str());
+        std::string line = name;
+        line += value.empty() ? ":" : ": ";
+        line += value;
+        lines = curl_slist_append(lines, line.c_str());
     }
     return lines;
 }
@@ -79,6 +82,7 @@ Options optionsOf(const fs::path& root, std::optional<std::size_t> count) {
 
 std::vector<FaultRule> rulesOf(const std::vector<std::string>& texts) {
     std::vector<FaultRule> rules;
+    rules.reserve(texts.size());
     for (const std::string& text : texts) {
         rules.push_back(parseFaultRule(text));
     }
@@ -205,6 +209,7 @@ Program::Program(const fs::path& folder, const std::vector<std::string>& argumen
     std::vector<std::string> words{AKDEVSERVER_PROGRAM};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char*> pointers;
+    pointers.reserve(words.size() + 1);
     for (std::string& word : words) {
         pointers.push_back(word.data());
     }
