@@ -10,8 +10,9 @@
 namespace arkeon {
 namespace {
 
+/// Never destroyed: objects that live until the process ends write and close the log last of all.
 LogFile& debugLog() {
-    static LogFile file;
+    static LogFile& file = *new LogFile;
     return file;
 }
 

@@ -70,6 +70,10 @@ void Console::write(std::string_view text) {
     if (outputError_ != 0) {
         return;
     }
+    if (!outputIsTerminal_ && text.size() >= bufferSize) {
+        writeThrough(text);
+        return;
+    }
     if (outputIsTerminal_) {
         buffer_ += visibleText(text);
     } else {
@@ -77,6 +81,13 @@ void Console::write(std::string_view text) {
     }
     if (buffer_.size() >= bufferSize) {
         flush();
+    }
+}
+
+/// A large text, such as a whole reply, goes out without a copy.
+void Console::writeThrough(std::string_view text) {
+    if (flush()) {
+        outputError_ = writeAll(output_, text);
     }
 }
 

@@ -157,6 +157,31 @@ TEST(Console, LargeOutputDoesNotPileUp) {
     EXPECT_EQ(received, sent);
 }
 
+TEST(Console, LargeTextComesInItsTurn) {
+    const support::TempDir folder;
+    const std::string path = folder.write("output", "");
+    const int file = open(path.c_str(), O_WRONLY | O_CLOEXEC);
+    const std::string large(1000000, 'x');
+    {
+        Console console(file, file);
+        console.write("before");
+        console.write(large);
+        EXPECT_EQ(support::contentOf(path), "before" + large) << "written through";
+        console.write("after");
+    }
+    close(file);
+    EXPECT_EQ(support::contentOf(path), "before" + large + "after");
+}
+
+TEST(Console, LargeTextOnAFullDiskIsAFailure) {
+    const int full = open("/dev/full", O_WRONLY | O_CLOEXEC);
+    Console console(full, full);
+    console.write(std::string(1000000, 'x'));
+    EXPECT_EQ(console.outputError(), ENOSPC);
+    EXPECT_FALSE(console.flush());
+    close(full);
+}
+
 TEST(Console, DescriptorThatWouldBlockIsWaitedFor) {
     const Pipe output;
     ASSERT_EQ(fcntl(output.writer(), F_SETFL, O_NONBLOCK), 0);

@@ -38,6 +38,8 @@ public:
     int outputError() const { return outputError_; }
 
 private:
+    void writeThrough(std::string_view text);
+
     int output_;
     int error_;
     bool outputIsTerminal_;
