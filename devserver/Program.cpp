@@ -101,10 +101,11 @@ void serve(const Options& options, std::ostream& out, std::ostream& err) {
     printHowTo(root, options, out);
     warnOfOpenAddress(options, err);
     {
-        const std::string place = options.listen + ' ' + std::to_string(options.port);
-        const ReadyFile ready(options.readyFile, place + '\n');
         out << "Ready: listening on " << options.listen << " port " << options.port
             << ". Stop with Ctrl-C." << std::endl;
+        // Last: whoever waits for the file finds all of the above said.
+        const std::string place = options.listen + ' ' + std::to_string(options.port);
+        const ReadyFile ready(options.readyFile, place + '\n');
         int signal = 0;
         sigwait(&signals, &signal);
     }
