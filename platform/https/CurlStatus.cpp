@@ -37,11 +37,18 @@ int statusOf(CURLcode result) {
     }
 }
 
+/// A reply may have the header in several lines.
 bool isChunked(CURL* handle) {
-    curl_header* encoding = nullptr;
-    return curl_easy_header(handle, "Transfer-Encoding", 0, CURLH_HEADER, -1, &encoding) ==
-               CURLHE_OK &&
-           strcasestr(encoding->value, "chunked") != nullptr;
+    curl_header* line = nullptr;
+    std::size_t index = 0;
+    while (curl_easy_header(handle, "Transfer-Encoding", index, CURLH_HEADER, -1, &line) ==
+           CURLHE_OK) {
+        if (strcasestr(line->value, "chunked") != nullptr) {
+            return true;
+        }
+        ++index;
+    }
+    return false;
 }
 
 /// Whether only the end of the connection ends the reply's body (RFC 9112, 6.3).
@@ -70,7 +77,7 @@ bool isRefusal(const TransferNotes& notes) {
 }  // namespace
 
 int transferStatus(CURL* handle, CURLcode result, const TransferNotes& notes) {
-    if (notes.bodyTooLarge) {
+    if (notes.replyTooLarge) {
         return status::replyTooLarge;
     }
     if (notes.resendRefused) {
@@ -84,8 +91,8 @@ int transferStatus(CURL* handle, CURLcode result, const TransferNotes& notes) {
 }
 
 std::string_view observed(CURLcode result, const TransferNotes& notes) {
-    if (notes.bodyTooLarge) {
-        return "the decoded body is over the limit";
+    if (notes.replyTooLarge) {
+        return "the reply is over the limit";
     }
     if (notes.outOfMemory) {
         return "no memory for the body";

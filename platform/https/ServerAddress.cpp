@@ -24,7 +24,15 @@ bool isLabel(std::string_view label) {
            std::all_of(label.begin(), label.end(), isLabelByte);
 }
 
+bool isHexDigit(char letter) {
+    return isDigit(letter) || (letter >= 'a' && letter <= 'f') || (letter >= 'A' && letter <= 'F');
+}
+
+/// As inet_aton(3) reads numbers: 127.1 and 0x7f.1 are addresses to a resolver, not names.
 bool isNumber(std::string_view label) {
+    if (label.starts_with("0x") || label.starts_with("0X")) {
+        return std::all_of(label.begin() + 2, label.end(), isHexDigit);
+    }
     return std::all_of(label.begin(), label.end(), isDigit);
 }
 

@@ -82,6 +82,7 @@ private:
     void setNothingElse();
     bool prepare();
     int finish(CURLcode result, Reply& reply);
+    std::string_view reasonOf(CURLcode result) const;
     int failed(int status, std::string_view reason, std::string_view observation = {}) const;
 
     CurlHandle& handle_;
@@ -158,20 +159,25 @@ bool Exchange::prepare() {
     return optionFailure_ == CURLE_OK;
 }
 
+/// libcurl's own words; where it saw nothing wrong, it has none.
+std::string_view Exchange::reasonOf(CURLcode result) const {
+    if (errorText_.front() != '\0') {
+        return errorText_.data();
+    }
+    return result == CURLE_OK ? "" : curl_easy_strerror(result);
+}
+
 int Exchange::failed(int status, std::string_view reason, std::string_view observation) const {
     report(
         {"HTTPS request to ", request_.server, ", port ", std::to_string(request_.port), ": ",
-         reason, observation.empty() ? "" : "; ", observation});
+         reason, reason.empty() || observation.empty() ? "" : "; ", observation});
     return status;
 }
 
 int Exchange::finish(CURLcode result, Reply& reply) {
     const int status = transferStatus(handle_.get(), result, handle_.notes());
     if (status != status::success) {
-        const bool detailed = errorText_.front() != '\0';
-        return failed(
-            status, detailed ? errorText_.data() : curl_easy_strerror(result),
-            observed(result, handle_.notes()));
+        return failed(status, reasonOf(result), observed(result, handle_.notes()));
     }
     long httpStatus = 0;
     curl_easy_getinfo(handle_.get(), CURLINFO_RESPONSE_CODE, &httpStatus);

@@ -8,6 +8,10 @@
 namespace arkeon {
 namespace {
 
+/// Far above what a primary server sends, and below the limit that libcurl has of its own, which it
+/// reports as a broken connection.
+constexpr std::size_t headLimit = std::size_t{256} * 1024;
+
 TransferNotes& notesOf(void* data) {
     return *static_cast<TransferNotes*>(data);
 }
@@ -15,7 +19,7 @@ TransferNotes& notesOf(void* data) {
 std::size_t onBody(char* data, std::size_t one, std::size_t size, void* context) {
     TransferNotes& notes = notesOf(context);
     if (size > notes.bodyLimit - notes.body.size()) {
-        notes.bodyTooLarge = true;
+        notes.replyTooLarge = true;
         return 0;
     }
     try {
@@ -32,6 +36,11 @@ std::size_t onHeader(char* data, std::size_t one, std::size_t size, void* contex
     TransferNotes& notes = notesOf(context);
     const std::string_view line(data, size);
     notes.replyBegun = true;
+    notes.headBytes += size;
+    if (notes.headBytes > headLimit) {
+        notes.replyTooLarge = true;
+        return 0;
+    }
     if (line.starts_with("HTTP/")) {
         const std::size_t blank = line.find(' ');
         const bool interim =

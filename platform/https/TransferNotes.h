@@ -10,6 +10,7 @@ namespace arkeon {
 struct TransferNotes {
     std::string body;
     std::size_t bodyLimit = 0;
+    std::size_t headBytes = 0;    ///< of all heads, interim ones included
     bool requestSent = false;     ///< bytes of the request went out
     bool resendRefused = false;   ///< libcurl wanted to send the request again
     bool replyIsInterim = false;  ///< the head that arrives is that of a 1xx reply
@@ -17,7 +18,7 @@ struct TransferNotes {
     bool replyHeadWhole = false;  ///< the final reply's head arrived with its empty line
     bool alertReceived = false;   ///< the server sent a fatal TLS alert
     bool tlsClosed = false;       ///< the server ended TLS in order
-    bool bodyTooLarge = false;
+    bool replyTooLarge = false;
     bool outOfMemory = false;
 };
 

@@ -80,6 +80,11 @@ INSTANTIATE_TEST_SUITE_P(
             "Chunked",
             "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n2\r\nab\r\n1\r\nc\r\n0\r\n\r\n",
             Ending::keep, 0, 200, "abc"},
+        ReplyCase{
+            "SeveralEncodingLines",
+            "HTTP/1.1 200 OK\r\nTransfer-Encoding: identity\r\nTransfer-Encoding: chunked\r\n\r\n"
+            "3\r\nabc\r\n0\r\n\r\n",
+            Ending::drop, 0, 200, "abc"},
         ReplyCase{"Gzip", gzipReply("compressed text"), Ending::keep, 0, 200, "compressed text"},
         ReplyCase{
             "InterimReplyFirst", "HTTP/1.1 100 Continue\r\n\r\n" + plainReply("{}"), Ending::keep,
@@ -148,6 +153,25 @@ INSTANTIATE_TEST_SUITE_P(
         ReplyCase{"NoLengthAndDrop", "HTTP/1.1 200 OK\r\n\r\nabc", Ending::drop, broke, 0, ""}),
     testing::PrintToStringParamName());
 
+std::string repeated(const std::string& text, int times) {
+    std::string all;
+    for (int i = 0; i < times; ++i) {
+        all += text;
+    }
+    return all;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Endless, HttpsReplyTest,
+    testing::Values(
+        ReplyCase{
+            "HeaderLines", "HTTP/1.1 200 OK\r\n" + repeated("X-Header: value\r\n", 30'000),
+            Ending::drop, status::replyTooLarge, 0, ""},
+        ReplyCase{
+            "InterimReplies", repeated("HTTP/1.1 102 Processing\r\n\r\n", 30'000), Ending::drop,
+            status::replyTooLarge, 0, ""}),
+    testing::PrintToStringParamName());
+
 INSTANTIATE_TEST_SUITE_P(
     Senseless, HttpsReplyTest,
     testing::Values(
@@ -175,7 +199,7 @@ TEST_F(HttpsReplySizeTest, BodyAtTheLimitIsTaken) {
 
 TEST_F(HttpsReplySizeTest, BodyOverTheLimitIsGivenUp) {
     EXPECT_EQ(resultOf(plainReply(std::string(1001, 'x'))), status::replyTooLarge);
-    EXPECT_THAT(log_.text(), HasSubstr("; the decoded body is over the limit\n"));
+    EXPECT_THAT(log_.text(), HasSubstr("; the reply is over the limit\n"));
 }
 
 TEST_F(HttpsReplySizeTest, DecodedBytesCount) {

@@ -42,6 +42,8 @@ TEST(ServerName, EverythingElse) {
           std::string("a\0b", 3),
           std::string("\xc3\xa4"),
           std::string("127.1"),
+          std::string("0x7f000001"),
+          std::string("127.0.0.0X1"),
           std::string("2130706433"),
           std::string("1.2.3.4.5"),
           std::string("256.0.0.1"),
