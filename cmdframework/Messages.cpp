@@ -15,6 +15,15 @@ zvlocale localeOfEnvironment() {
 
 }  // namespace
 
+const CatalogueText&
+messageOf(const MessageRow* table, std::uint32_t code, std::uint32_t fallback) {
+    const MessageRow* row = table;
+    while (row->code != code && row->code != fallback) {
+        ++row;
+    }
+    return row->message;
+}
+
 void getMessage(
     char* buf, unsigned long size, const char* id, const char* defaultText, const char* a1,
     const char* a2, const char* a3) {

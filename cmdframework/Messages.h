@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 /// A user-visible text: its identifier in the message catalogue and its English default, which may
@@ -13,6 +14,16 @@ struct CatalogueText {
 consteval CatalogueText catalogued(const char* id, const char* text) {
     return {id, text};
 }
+
+/// A message by the code of a failure.
+struct MessageRow {
+    std::uint32_t code;
+    CatalogueText message;
+};
+
+/// Walks a table from the top to the row of `code` or of `fallback`, whichever comes first; the
+/// table has to have the fallback's row.
+const CatalogueText& messageOf(const MessageRow* table, std::uint32_t code, std::uint32_t fallback);
 
 /// Fetches the text of message `id` into `buf` (cut to `size`), formatted with up to three strings;
 /// those that the text does not use are null.

@@ -9,11 +9,6 @@ using arkeon::boundedFormat;
 
 namespace {
 
-struct MessageRow {
-    std::uint32_t code;
-    CatalogueText message;
-};
-
 // Code 1 has no row on purpose: it shows the fallback's text.
 constexpr MessageRow messageTable[] = {
     {logNotOpened,
@@ -25,12 +20,8 @@ constexpr MessageRow messageTable[] = {
     {unknownRunTimeError, catalogued("SmeEmm0014N", "Unknown run time error.")},
 };
 
-const CatalogueText& messageOf(runTimeExceptions code) {
-    const MessageRow* row = messageTable;
-    while (row->code != code && row->code != unknownRunTimeError) {
-        ++row;
-    }
-    return row->message;
+const CatalogueText& textOf(runTimeExceptions code) {
+    return messageOf(messageTable, code, unknownRunTimeError);
 }
 
 }  // namespace
@@ -65,7 +56,7 @@ CRuntimecmd::CRuntimecmd(
 
 const char* CRuntimecmd::message(runTimeExceptions code) const {
     static std::array<char, 1024> buffer;
-    const CatalogueText& text = messageOf(code);
+    const CatalogueText& text = textOf(code);
     getMessage(buffer.data(), buffer.size(), text.id, text.text, nullptr, nullptr, nullptr);
     return buffer.data();
 }

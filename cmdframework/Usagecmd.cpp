@@ -7,11 +7,6 @@
 
 namespace {
 
-struct MessageRow {
-    std::uint32_t code;
-    CatalogueText message;
-};
-
 // The fallback row stands last although its code is not the highest: a look-up stops there.
 constexpr MessageRow messageTable[] = {
     {invalidOption, catalogued("SmeEmm0000N", "An invalid option was used.")},
@@ -43,12 +38,8 @@ constexpr MessageRow messageTable[] = {
 
 constexpr CatalogueText largestValue = catalogued("SmeEmm0156N", "The maximum value is ");
 
-const CatalogueText& messageOf(usageExceptions code) {
-    const MessageRow* row = messageTable;
-    while (row->code != code && row->code != unknownUsageError) {
-        ++row;
-    }
-    return row->message;
+const CatalogueText& textOf(usageExceptions code) {
+    return messageOf(messageTable, code, unknownUsageError);
 }
 
 std::string joined(const char** list) {
@@ -88,7 +79,7 @@ void CUsagecmd::SetUsagemessage(const char* text) {
 }
 
 void CUsagecmd::message(char* buf, unsigned long size, usageExceptions code) const {
-    const CatalogueText& text = messageOf(code);
+    const CatalogueText& text = textOf(code);
     getMessage(buf, size, text.id, text.text, nullptr, nullptr, nullptr);
 }
 

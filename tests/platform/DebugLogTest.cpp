@@ -359,7 +359,7 @@ TEST(DebugLog, LinesOfSeveralProcessesNeverMix) {
 }
 
 TEST(LogLine, TimeIsLocalWithMillisecondsAndOffset) {
-    const support::ScopedVariable zone("TZ", "XXX-1");
+    const support::ScopedVariable zone("TZ", "CET-1");
     tzset();
     const arkeon::LogStamp stamp{{1'795'245'330, 123'999'999}, 42, 2, "tool"};
     EXPECT_EQ(arkeon::logLine(stamp, {"text"}), "2026-11-21T08:15:30.123+0100 42 2 tool: text\n");
