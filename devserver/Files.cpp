@@ -10,7 +10,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
-#include <sstream>
+#include <iterator>
 
 namespace devserver::files {
 
@@ -37,11 +37,11 @@ void writeAll(int descriptor, const std::string& content, const std::filesystem:
 
 std::string read(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
-    std::ostringstream content;
-    if (!file || !(content << file.rdbuf())) {
+    std::string content{std::istreambuf_iterator<char>(file), {}};
+    if (!file.is_open() || file.bad()) {
         fail("read", path);
     }
-    return content.str();
+    return content;
 }
 
 void replace(const std::filesystem::path& path, const std::string& content) {

@@ -54,8 +54,10 @@ void check(sqlite::Connection& connection) {
         throw sqlite::Error("it is not a database of this server");
     }
     sqlite::Statement check(connection, "PRAGMA quick_check(1)");
-    if (!check.step() || check.text(0) != "ok") {
-        throw sqlite::Error("it is damaged: " + std::string(check.text(0)));
+    const std::string result(check.step() ? check.text(0) : "");
+    if (result != "ok") {
+        // A heading line with the name of the database may come before the line that counts.
+        throw sqlite::Error("it is damaged: " + result.substr(result.rfind('\n') + 1));
     }
 }
 

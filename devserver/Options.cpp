@@ -19,9 +19,7 @@ void setRoot(Options& options, const std::string& value) {
 }
 
 void setListen(Options& options, const std::string& value) {
-    std::array<unsigned char, sizeof(in6_addr)> bytes{};
-    if (inet_pton(AF_INET, value.c_str(), bytes.data()) != 1 &&
-        inet_pton(AF_INET6, value.c_str(), bytes.data()) != 1) {
+    if (!isNumericAddress(value)) {
         throw Failure("--listen needs an IP address, not '" + text::visible(value) + "'");
     }
     options.listen = value;
@@ -148,6 +146,12 @@ std::string helpText() {
             "  length=+N|-N hostile[=escapes|controls|utf8|format]\n"
             "  CONNECT: expired wrong-name untrusted\n";
     return text;
+}
+
+bool isNumericAddress(const std::string& text) {
+    std::array<unsigned char, sizeof(in6_addr)> bytes{};
+    return inet_pton(AF_INET, text.c_str(), bytes.data()) == 1 ||
+           inet_pton(AF_INET6, text.c_str(), bytes.data()) == 1;
 }
 
 bool isLoopback(const std::string& address) {

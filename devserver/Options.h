@@ -29,6 +29,9 @@ Options parseOptions(const std::vector<std::string>& arguments);
 /// The text of --help.
 std::string helpText();
 
+/// Whether a text is an IP address.
+bool isNumericAddress(const std::string& text);
+
 /// Whether an address is one of the local host alone.
 bool isLoopback(const std::string& address);
 

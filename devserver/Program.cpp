@@ -57,25 +57,64 @@ void warnOfOpenAddress(const Options& options, std::ostream& err) {
     }
 }
 
+/// Whether a text is "ADDRESS PORT", a line as ready files hold it.
+bool isPlace(const std::string& content) {
+    const std::size_t blank = content.find(' ');
+    if (blank == std::string::npos || content.back() != '\n') {
+        return false;
+    }
+    return isNumericAddress(content.substr(0, blank)) &&
+           text::number(content.substr(blank + 1, content.size() - blank - 2), 65535);
+}
+
 /// The ready file is there exactly while the server answers.
 class ReadyFile {
 public:
-    ReadyFile(std::string path, const std::string& content) : path_(std::move(path)) {
+    ReadyFile(std::string path, std::string content)
+        : path_(std::move(path)), content_(std::move(content)) {
+        checkPath(path_);
         if (!path_.empty()) {
-            files::replace(path_, content);
+            files::replace(path_, content_);
         }
     }
+    /// What somebody else has put there meanwhile stays.
     ~ReadyFile() {
-        if (!path_.empty()) {
-            std::error_code ignored;
+        std::error_code ignored;
+        if (!path_.empty() && std::filesystem::is_regular_file(path_, ignored) &&
+            contentOrNothing() == content_) {
             std::filesystem::remove(path_, ignored);
         }
     }
     ReadyFile(const ReadyFile&) = delete;
     ReadyFile& operator=(const ReadyFile&) = delete;
 
+    /// Only a place that is free, an empty file, or a ready file left behind may be used: any
+    /// other file there is somebody's.
+    static void checkPath(const std::string& path) {
+        const auto status = std::filesystem::symlink_status(path);
+        if (path.empty() || !std::filesystem::exists(status)) {
+            return;
+        }
+        if (!std::filesystem::is_regular_file(status)) {
+            throw Failure("the ready file " + path + " exists and is no regular file");
+        }
+        const std::string content = files::read(path);
+        if (!content.empty() && !isPlace(content)) {
+            throw Failure("the ready file " + path + " exists and was not made by akdevserver");
+        }
+    }
+
 private:
+    std::string contentOrNothing() const {
+        try {
+            return files::read(path_);
+        } catch (const Failure&) {
+            return {};
+        }
+    }
+
     std::string path_;
+    std::string content_;
 };
 
 /// Blocks the signals that end the server, for this thread and those it starts, so that only
@@ -91,6 +130,7 @@ sigset_t takeStopSignals() {
 }
 
 void serve(const Options& options, std::ostream& out, std::ostream& err) {
+    ReadyFile::checkPath(options.readyFile);
     const sigset_t signals = takeStopSignals();
     Root root(options);
     Resources resources(root.database(), root.primaryName());

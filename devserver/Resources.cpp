@@ -81,7 +81,7 @@ void checkForm(const Call& call, const Address& address) {
     if (call.bodyTooLarge) {
         throw Refusal{errors::bodyTooLarge};
     }
-    if (call.incomplete) {
+    if (call.incomplete || (!hasBody(call.method) && !call.body.empty())) {
         throw Refusal{errors::malformedRequest};
     }
     if (call.method != "GET") {

@@ -98,6 +98,19 @@ TEST_F(Changes, RemovesAMapping) {
     EXPECT_EQ(client.put(mapping("unknown", "x"), R"({"isShared":true})").errorCode(), 8701);
 }
 
+TEST_F(Changes, ADeletionWithABodyIsRefused) {
+    for (const Headers& headers : {Headers{}, Headers{{"Transfer-Encoding", "chunked"}}}) {
+        const Received reply =
+            client.send("DELETE", mapping(testhost1, "testhost1-alias"), "x", headers);
+        EXPECT_EQ(reply.status, 400);
+        EXPECT_EQ(reply.errorCode(), 8711);
+    }
+    EXPECT_NE(listed("mappedhostname=testhost1-alias"), "");
+    const Headers empty{{"Content-Length", "0"}};
+    EXPECT_EQ(
+        client.send("DELETE", mapping(testhost1, "testhost1-alias"), nullptr, empty).status, 204);
+}
+
 TEST_F(Changes, DotSegmentsAndSlashesAreNamesLikeOthers) {
     for (const char* name : {"..", ".", "a%2Fb", "%2E%2e%2F..", "a%3Fb%23c", "with%20blank"}) {
         EXPECT_EQ(client.send("DELETE", mapping(testhost2, name)).errorCode(), 8701) << name;

@@ -4,11 +4,13 @@
 
 #include <arpa/inet.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <csignal>
 #include <fstream>
+#include <thread>
 
 namespace {
 
@@ -195,6 +197,56 @@ TEST_F(ServingProgram, ServesOverIpv6) {
     address = "::1";
     const auto program = start({"--port", std::to_string(port)});
     EXPECT_EQ(Client(root, "[::1]", port).get(hosts).status, 200);
+}
+
+TEST_F(ServingProgram, AReadyFileThatWasLeftBehindIsReplaced) {
+    for (const std::string& left : {std::string(), std::string("::1 4433\n")}) {
+        std::ofstream(ready) << left;
+        Program program(folder.path(), arguments());
+        for (int waited = 0; waited < 4000 && contentOf(ready) == left; ++waited) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+        EXPECT_EQ(contentOf(ready), address + " 1556\n") << program.errors();
+        program.signal(SIGTERM);
+        EXPECT_EQ(program.wait(), 0);
+        EXPECT_FALSE(fs::exists(ready));
+    }
+}
+
+TEST_F(ServingProgram, AnotherFileInTheReadyFilesPlaceStays) {
+    for (const char* text : {"Dear\n", "127.0.0.1 seven\n", "host 1556\n", "127.0.0.1 1556"}) {
+        std::ofstream(ready) << text;
+        const Outcome outcome = runProgram(arguments());
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_TRUE(isOneLine(outcome.errors)) << outcome.errors;
+        EXPECT_EQ(contentOf(ready), text);
+    }
+    EXPECT_FALSE(fs::exists(root));
+}
+
+TEST_F(ServingProgram, WhatIsNoRegularFileInTheReadyFilesPlaceStays) {
+    const fs::path target = folder.path() / "target";
+    std::ofstream(target).close();
+    const auto isRefused = [this] {
+        const Outcome outcome = runProgram(arguments());
+        EXPECT_NE(outcome.errors.find("is no regular file"), std::string::npos) << outcome.errors;
+        return outcome.status == 1;
+    };
+    ASSERT_EQ(::mkfifo(ready.c_str(), 0600), 0);
+    EXPECT_TRUE(isRefused());
+    EXPECT_TRUE(fs::is_fifo(ready));
+    fs::remove(ready);
+    fs::create_symlink(target, ready);
+    EXPECT_TRUE(isRefused());
+    EXPECT_TRUE(fs::is_symlink(ready));
+}
+
+TEST_F(ServingProgram, AReadyFileThatSomebodyElseHasReplacedStays) {
+    const auto program = start();
+    std::ofstream(ready) << "mine";
+    program->signal(SIGTERM);
+    EXPECT_EQ(program->wait(), 0);
+    EXPECT_EQ(contentOf(ready), "mine");
 }
 
 TEST(ProgramRun, InitOnlyFillsARootAndEnds) {

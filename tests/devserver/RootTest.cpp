@@ -215,6 +215,8 @@ TEST_F(RootFolder, ADamagedDatabaseIsAFailure) {
     database << std::string(page * 4, '\x5a');
     database.close();
     EXPECT_NE(failure().find("cannot use the database"), std::string::npos);
+    EXPECT_EQ(failure().find('\n'), std::string::npos) << failure();
+    EXPECT_EQ(failure().find("***"), std::string::npos) << failure();
 }
 
 TEST_F(RootFolder, AMalformedLoginFileIsAFailure) {
