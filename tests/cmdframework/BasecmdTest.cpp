@@ -13,6 +13,7 @@ constexpr AllowedValue colours[] = {{"TestBas0001N", "red"}, {"TestBas0002N", "g
 const PARAMETERS table[] = {
     {1, "server", "s", 0, parameterTypes::string},
     {2, "hostid", "i", 1, parameterTypes::string},
+    {7, "optional", "o", 2, parameterTypes::string},
     {3, "isshared", "is", 0, parameterTypes::none},
     {4, "colour", "c", 0, parameterTypes::string, colours, 2},
     {5, "count", "n", 0, parameterTypes::unsignedInteger},

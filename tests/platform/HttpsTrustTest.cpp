@@ -2,6 +2,8 @@
 #include "platform/HttpsFixture.h"
 
 #include <gmock/gmock.h>
+#include <memory>
+#include <openssl/pem.h>
 #include <sys/stat.h>
 
 using devserver::CertificateAuthority;
@@ -180,12 +182,22 @@ TEST_F(HttpsCertificateFilesTest, KeyOfAnotherCertificate) {
     expectUnusable("HTTPS request to 127.0.0.1");
 }
 
+/// Encrypts a PEM private key in place.
+void encryptKey(const std::string& path) {
+    const std::unique_ptr<BIO, decltype(&BIO_free)> in(BIO_new_file(path.c_str(), "r"), BIO_free);
+    const std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)> key(
+        PEM_read_bio_PrivateKey(in.get(), nullptr, nullptr, nullptr), EVP_PKEY_free);
+    const std::unique_ptr<BIO, decltype(&BIO_free)> out(BIO_new_file(path.c_str(), "w"), BIO_free);
+    unsigned char password[] = "secret";
+    ASSERT_EQ(
+        PEM_write_bio_PrivateKey(
+            out.get(), key.get(), EVP_aes_256_cbc(), password, sizeof password - 1, nullptr,
+            nullptr),
+        1);
+}
+
 TEST_F(HttpsCertificateFilesTest, EncryptedKeyFailsWithoutAsking) {
-    const std::string plain = root_.file("certs/host.key");
-    const std::string command = "openssl pkey -aes256 -passout pass:secret -in '" + plain +
-                                "' -out '" + plain + ".encrypted'";
-    ASSERT_EQ(std::system(command.c_str()), 0);
-    std::filesystem::rename(plain + ".encrypted", plain);
+    encryptKey(root_.file("certs/host.key"));
     expectUnusable("HTTPS request to 127.0.0.1");
 }
 
