@@ -129,10 +129,27 @@ sigset_t takeStopSignals() {
     return signals;
 }
 
+/// Tells of a filling that takes its time, and lets the signals that stop the server stop it too.
+Filling watchedFilling(std::ostream& out) {
+    constexpr std::size_t many = 100'000;
+    return {
+        [&out](const std::filesystem::path& root, std::size_t hosts) {
+            if (hosts >= many) {
+                out << "Filling " << root.string() << " with " << hosts << " hosts ..."
+                    << std::endl;
+            }
+        },
+        [] {
+            sigset_t pending{};
+            sigpending(&pending);
+            return sigismember(&pending, SIGINT) == 1 || sigismember(&pending, SIGTERM) == 1;
+        }};
+}
+
 void serve(const Options& options, std::ostream& out, std::ostream& err) {
     ReadyFile::checkPath(options.readyFile);
     const sigset_t signals = takeStopSignals();
-    Root root(options);
+    Root root(options, watchedFilling(out));
     Resources resources(root.database(), root.primaryName());
     Faults faults(options.faults);
     Server server(
@@ -174,7 +191,8 @@ void perform(const Options& options, std::ostream& out, std::ostream& err) {
         printAudit(options, out);
         return;
     case Options::Task::initialise:
-        printHowTo(Root(options), options, out);
+        takeStopSignals();
+        printHowTo(Root(options, watchedFilling(out)), options, out);
         warnOfOpenAddress(options, err);
         return;
     case Options::Task::serve:

@@ -66,17 +66,15 @@ void checkOwner(const fs::path& path) {
 
 }  // namespace
 
-Root::Root(const Options& options)
+Root::Root(const Options& options, Filling filling)
     : path_(absolute(options.root)),
-      primaryName_(options.names.empty() ? reachable(options.listen) : options.names.front()) {
+      primaryName_(options.names.empty() ? reachable(options.listen) : options.names.front()),
+      filling_(std::move(filling)) {
     claim();
-    if (options.hosts && fs::exists(databasePath(path_))) {
-        throw Failure(
-            "--hosts is for a new root; " + path_.string() + " has its host database already");
-    }
     try {
-        openAuthority();
         openDatabase(options);
+        findNewNames(options);
+        openAuthority();
         writeCertificates();
         writeConfiguration();
         writeLogins(options);
@@ -110,10 +108,14 @@ void Root::claim() {
     }
 }
 
+/// A new authority makes what an older one has issued useless; that is removed first, so that an
+/// interrupted start leaves nothing that does not fit together.
 void Root::openAuthority() {
     const fs::path certificate = path_ / "ca" / "ca.pem";
     const fs::path key = path_ / "ca" / "ca.key";
     if (!fs::exists(certificate)) {
+        fs::remove(path_ / "certs" / "host.pem");
+        fs::remove(path_ / "certs" / "ca.pem");
         const auto fresh = CertificateAuthority::create("Arkeon development authority");
         files::replace(key, fresh.privateKeyPem());
         files::replace(certificate, fresh.certificatePem());
@@ -128,13 +130,43 @@ void Root::openAuthority() {
     }
 }
 
+/// What the database holds decides whether it is filled, not whether the file is there: an
+/// interrupted filling leaves a file without tables. A file without a byte is none of these.
 void Root::openDatabase(const Options& options) {
-    database_ =
-        std::make_unique<HostDatabase>(databasePath(path_), [this, &options]() -> HostSource {
-            return options.hosts ? generatedHosts(primaryName_, *options.hosts)
-                                 : sampleHosts(primaryName_);
-        });
-    ::chmod(databasePath(path_).c_str(), 0600);
+    const fs::path path = databasePath(path_);
+    if (fs::exists(path) && fs::file_size(path) == 0 && fs::exists(path_ / "etc" / "master.toml")) {
+        throw Failure(
+            "the database " + path.string() +
+            " has lost its content; remove it to have it made "
+            "anew");
+    }
+    bool filled = false;
+    database_ = std::make_unique<HostDatabase>(path, [&] {
+        filled = true;
+        return firstHosts(options);
+    });
+    if (options.hosts && !filled) {
+        throw Failure(
+            "--hosts is for a new root; " + path_.string() + " has its host database already");
+    }
+    ::chmod(path.c_str(), 0600);
+}
+
+HostSource Root::firstHosts(const Options& options) const {
+    if (options.hosts && filling_.begins) {
+        filling_.begins(path_, *options.hosts);
+    }
+    const HostSource source =
+        options.hosts ? generatedHosts(primaryName_, *options.hosts) : sampleHosts(primaryName_);
+    return [this, source](HostRecord& host) {
+        if (filling_.isStopped && filling_.isStopped()) {
+            throw Failure("stopped before " + path_.string() + " was filled");
+        }
+        return source(host);
+    };
+}
+
+void Root::findNewNames(const Options& options) {
     std::vector<std::string> names = options.names;
     for (const std::string& name :
          {reachable(options.listen), std::string("localhost"), std::string("127.0.0.1"),
@@ -153,19 +185,26 @@ void Root::openDatabase(const Options& options) {
     }
 }
 
+std::vector<std::string> Root::allNames() const {
+    std::vector<std::string> names = database_->serverNames();
+    names.insert(names.end(), newNames_.begin(), newNames_.end());
+    return names;
+}
+
 /// The server's certificate is made anew at every start, for all names there are by now; the
 /// authority and the host's certificate stay.
 void Root::writeCertificates() {
-    std::vector<std::string> names = database_->serverNames();
-    names.insert(names.end(), newNames_.begin(), newNames_.end());
-    const Identity server = authority_->issueServer(names, validForDays(825));
+    const Identity server = authority_->issueServer(allNames(), validForDays(825));
     files::replace(path_ / "server" / "server.key", server.privateKeyPem);
     files::replace(path_ / "server" / "server.pem", server.certificatePem);
     writeOnce(path_ / "certs" / "ca.pem", authority_->certificatePem());
-    if (!fs::exists(path_ / "certs" / "host.pem")) {
+    const fs::path certificate = path_ / "certs" / "host.pem";
+    const fs::path key = path_ / "certs" / "host.key";
+    if (!fs::exists(certificate) || !fs::exists(key)) {
         const Identity host = authority_->issueHost(localHostId, validForDays(3650));
-        files::replace(path_ / "certs" / "host.key", host.privateKeyPem);
-        files::replace(path_ / "certs" / "host.pem", host.certificatePem);
+        fs::remove(certificate);
+        files::replace(key, host.privateKeyPem);
+        files::replace(certificate, host.certificatePem);
     }
 }
 
@@ -173,16 +212,22 @@ void Root::writeCertificates() {
 void Root::writeConfiguration() {
     writeOnce(
         path_ / "etc" / "master.toml", "[primary_server]\nname = " + tomlText(primaryName_) + "\n");
-    const fs::path rows = path_ / "etc" / "certificates.toml";
-    std::string content = fs::exists(rows) ? files::read(rows) : "";
-    for (const std::string& name : newNames_) {
-        content += certificateRow(name);
-    }
-    if (!newNames_.empty()) {
-        files::replace(rows, content);
-    }
+    writeCertificateRows();
     for (const std::string& name : newNames_) {
         database_->addServerName(name);
+    }
+}
+
+/// A file that is there keeps its rows and gets those of the new names.
+void Root::writeCertificateRows() {
+    const fs::path rows = path_ / "etc" / "certificates.toml";
+    const bool isThere = fs::exists(rows);
+    std::string content = isThere ? files::read(rows) : "";
+    for (const std::string& name : isThere ? newNames_ : allNames()) {
+        content += certificateRow(name);
+    }
+    if (!isThere || !newNames_.empty()) {
+        files::replace(rows, content);
     }
 }
 

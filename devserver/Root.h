@@ -6,11 +6,20 @@
 #include "devserver/Options.h"
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
 namespace devserver {
+
+/// What the filling of a host database tells and asks, as it may take minutes.
+struct Filling {
+    /// Called before the first of so many generated hosts.
+    std::function<void(const std::filesystem::path& root, std::size_t hosts)> begins;
+    /// Asked before every host; once it is true, the filling is undone and ends in a Failure.
+    std::function<bool()> isStopped;
+};
 
 /// The folder that a server keeps everything in: its authority and certificates, the host
 /// database, and the configuration and login that the tool reads. Filled when it is new; what is
@@ -18,7 +27,7 @@ namespace devserver {
 class Root {
 public:
     /// Takes the folder for this process. What keeps it from being used is a Failure.
-    explicit Root(const Options& options);
+    explicit Root(const Options& options, Filling filling = {});
 
     /// Absolute.
     const std::filesystem::path& path() const { return path_; }
@@ -36,14 +45,19 @@ public:
 
 private:
     void claim();
-    void openAuthority();
     void openDatabase(const Options& options);
+    HostSource firstHosts(const Options& options) const;
+    void findNewNames(const Options& options);
+    void openAuthority();
+    std::vector<std::string> allNames() const;
     void writeCertificates();
     void writeConfiguration();
+    void writeCertificateRows();
     void writeLogins(const Options& options);
 
     std::filesystem::path path_;
     std::string primaryName_;
+    Filling filling_;
     std::vector<std::string> newNames_;
     std::unique_ptr<files::Lock> lock_;
     std::unique_ptr<CertificateAuthority> authority_;

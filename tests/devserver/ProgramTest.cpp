@@ -289,6 +289,26 @@ TEST(ProgramRun, PathsAreQuotedForTheShell) {
     EXPECT_NE(outcome.output.find("/it'\\''s here'\n"), std::string::npos) << outcome.output;
 }
 
+TEST(ProgramRun, ASignalEndsTheFillingOfARootAtOnce) {
+    const TemporaryFolder folder;
+    const std::string root = (folder.path() / "root").string();
+    const std::vector<std::string> arguments{"--root", root, "--init-only", "--hosts", "5000000"};
+    for (const int signal : {SIGINT, SIGTERM, SIGKILL}) {
+        Program program(folder.path(), arguments);
+        for (int waited = 0; waited < 4000 && program.output().empty(); ++waited) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+        EXPECT_EQ(program.output(), "Filling " + root + " with 5000000 hosts ...\n");
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        program.signal(signal);
+        EXPECT_EQ(program.wait(5000), signal == SIGKILL ? 1000 + SIGKILL : 1);
+        EXPECT_EQ(program.errors().empty(), signal == SIGKILL) << program.errors();
+    }
+    const Outcome again = runProgram({"--root", root, "--init-only", "--hosts", "10"});
+    EXPECT_EQ(again.status, 0) << again.errors;
+    EXPECT_TRUE(fs::exists(fs::path(root) / "etc" / "master.toml"));
+}
+
 TEST(ProgramRun, AHundredThousandHostsTakeSeconds) {
     const TemporaryFolder folder;
     const auto begin = std::chrono::steady_clock::now();

@@ -165,6 +165,68 @@ TEST_F(RootFolder, AnInterruptedFirstStartIsCompleted) {
     EXPECT_TRUE(root.database().list({})->next(host));
 }
 
+TEST_F(RootFolder, AStoppedFillingCanBeRepeated) {
+    options.hosts = 50;
+    int asked = 0;
+    const Filling stopped{{}, [&asked] {
+                              return ++asked > 20;
+                          }};
+    EXPECT_THROW(Root(options, stopped), Failure);
+    EXPECT_EQ(asked, 21);
+    ASSERT_TRUE(fs::exists(file("hosts.db")));
+    std::size_t announced = 0;
+    Root root(options, {[&](const fs::path&, std::size_t hosts) { announced = hosts; }, {}});
+    EXPECT_EQ(announced, 50U);
+    const auto listing = root.database().list({});
+    std::size_t count = 0;
+    for (HostRecord host; listing->next(host);) {
+        ++count;
+    }
+    EXPECT_EQ(count, 50U);
+}
+
+TEST_F(RootFolder, ADatabaseThatLostItsContentIsAFailure) {
+    { const Root root(options); }
+    fs::resize_file(file("hosts.db"), 0);
+    EXPECT_NE(failure().find("has lost its content"), std::string::npos);
+    EXPECT_EQ(fs::file_size(file("hosts.db")), 0U);
+}
+
+TEST_F(RootFolder, LostCertificateRowsAreMadeAnewForEveryName) {
+    options.names = {"primary.example.com"};
+    { const Root root(options); }
+    const std::string rows = contentOf(file("etc/certificates.toml"));
+    fs::remove(file("etc/certificates.toml"));
+    options.names.clear();
+    { const Root root(options); }
+    EXPECT_EQ(contentOf(file("etc/certificates.toml")), rows);
+}
+
+TEST_F(RootFolder, TheHostsCertificateAndKeyAreMadeAnewTogether) {
+    for (const char* lost : {"certs/host.key", "certs/host.pem"}) {
+        { const Root root(options); }
+        const std::string authority = contentOf(file("certs/ca.pem"));
+        const std::string key = contentOf(file("certs/host.key"));
+        const std::string certificate = contentOf(file("certs/host.pem"));
+        fs::remove(file(lost));
+        { const Root root(options); }
+        EXPECT_NE(contentOf(file("certs/host.key")), key) << lost;
+        EXPECT_NE(contentOf(file("certs/host.pem")), certificate) << lost;
+        EXPECT_EQ(contentOf(file("certs/ca.pem")), authority);
+    }
+}
+
+TEST_F(RootFolder, ANewAuthorityIssuesEverythingAnew) {
+    { const Root root(options); }
+    const std::string certificate = contentOf(file("certs/host.pem"));
+    const std::string key = contentOf(file("certs/host.key"));
+    fs::remove_all(file("ca"));
+    { const Root root(options); }
+    EXPECT_EQ(contentOf(file("certs/ca.pem")), contentOf(file("ca/ca.pem")));
+    EXPECT_NE(contentOf(file("certs/host.pem")), certificate);
+    EXPECT_NE(contentOf(file("certs/host.key")), key);
+}
+
 TEST_F(RootFolder, ANumberOfHostsIsForANewRoot) {
     options.hosts = 3;
     { const Root root(options); }
