@@ -86,7 +86,8 @@ struct Server::Machinery {
     void route();
     void answer(const httplib::Request& request, httplib::Response& response, const Call& call);
     Reply replyTo(const Call& call, const Fault& fault);
-    static void describeRefusal(const httplib::Request& request, httplib::Response& response);
+    Reply recorded(const Call& call, Reply reply);
+    void describeRefusal(const httplib::Request& request, httplib::Response& response);
 
     Endpoint endpoint;
     Resources& resources;
@@ -133,7 +134,9 @@ void Server::Machinery::route() {
     http.Get(anything, plain).Options(anything, plain);
     http.Put(anything, withBody).Post(anything, withBody);
     http.Patch(anything, withBody).Delete(anything, withBody);
-    http.set_error_handler(describeRefusal);
+    http.set_error_handler([this](const httplib::Request& request, httplib::Response& response) {
+        describeRefusal(request, response);
+    });
     // The library calls its logger when a reply has been sent.
     http.set_logger([this](const httplib::Request& request, const httplib::Response&) {
         connections.setBusy(request.ssl, false);
@@ -163,19 +166,31 @@ Reply Server::Machinery::replyTo(const Call& call, const Fault& fault) {
     if (!fault.replacesReply()) {
         return resources.handle(call);
     }
-    Reply reply = fault.replacement();
-    resources.recordOnly(call, reply);
-    return reply;
+    return recorded(call, fault.replacement());
 }
 
-/// Gives the refusals of the HTTP library itself a body like all others.
+/// The reply once its row of the audit trail is written.
+Reply Server::Machinery::recorded(const Call& call, Reply reply) {
+    try {
+        resources.recordOnly(call, reply);
+        return reply;
+    } catch (const std::exception&) {
+        return errorReply(errors::serverFailure);
+    }
+}
+
+/// Gives the refusals of the HTTP library itself a body like all others. Of an unknown method or
+/// an address that is too long the library tells nothing that could be recorded.
 void Server::Machinery::describeRefusal(
     const httplib::Request& request, httplib::Response& response) {
     if (!response.body.empty() || response.has_header("Content-Type")) {
         return;
     }
     const bool oddMethod = request.method == "TRACE" || request.method == "CONNECT";
-    const Reply reply = errorReply(oddMethod ? errors::wrongMethod : errors::malformedRequest);
+    Reply reply = errorReply(oddMethod ? errors::wrongMethod : errors::malformedRequest);
+    if (oddMethod) {
+        reply = recorded(callOf(request), std::move(reply));
+    }
     response.status = oddMethod ? reply.status : response.status;
     response.set_content(reply.body, reply.contentType);
     // What could not be parsed may have left bytes that would be taken for the next request.

@@ -295,6 +295,20 @@ TEST_F(Changes, EveryChangeAndEveryRefusalIsAudited) {
     EXPECT_EQ(trail[2].errorCode, 117);
 }
 
+TEST_F(Changes, AMethodThatNoResourceKnowsIsAudited) {
+    for (const char* method : {"TRACE", "OPTIONS"}) {
+        EXPECT_EQ(client.send(method, hosts).status, 405);
+        const std::vector<AuditEntry> trail = server.audit();
+        ASSERT_FALSE(trail.empty()) << method;
+        const AuditEntry& entry = trail.back();
+        EXPECT_EQ(entry.method, method);
+        EXPECT_EQ(entry.resource, hosts);
+        EXPECT_EQ(entry.status, 405);
+        EXPECT_EQ(entry.errorCode, 8708);
+    }
+    EXPECT_EQ(server.audit().size(), 2U);
+}
+
 TEST_F(Changes, EveryRequestOfAConnectionIsItsOwn) {
     for (int i = 0; i < 50; ++i) {
         const std::string name = "n" + std::to_string(i);
