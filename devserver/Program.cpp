@@ -148,6 +148,7 @@ Filling watchedFilling(std::ostream& out) {
 
 void serve(const Options& options, std::ostream& out, std::ostream& err) {
     ReadyFile::checkPath(options.readyFile);
+    Server::checkPlace(options.listen, options.port);
     const sigset_t signals = takeStopSignals();
     Root root(options, watchedFilling(out));
     Resources resources(root.database(), root.primaryName());

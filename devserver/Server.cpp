@@ -22,6 +22,12 @@ constexpr std::size_t largestBody = std::size_t{64} * 1024;
 /// How much of a body that is too large is read before the connection is given up.
 constexpr std::size_t largestDiscarded = std::size_t{1024} * 1024;
 
+[[noreturn]] void failToListen(const std::string& address, int port) {
+    throw Failure(
+        "cannot listen on " + address + " port " + std::to_string(port) + ": " +
+        std::strerror(errno));
+}
+
 void dropConnection(const httplib::Request& request) {
     if (request.ssl != nullptr) {
         ::shutdown(SSL_get_fd(request.ssl), SHUT_RDWR);
@@ -205,11 +211,31 @@ Server::~Server() {
     stop();
 }
 
+void Server::checkPlace(const std::string& address, int port) {
+    addrinfo hints{};
+    hints.ai_flags = AI_NUMERICHOST | AI_NUMERICSERV;
+    hints.ai_socktype = SOCK_STREAM;
+    addrinfo* found = nullptr;
+    if (::getaddrinfo(address.c_str(), std::to_string(port).c_str(), &hints, &found) != 0) {
+        throw Failure("cannot listen on " + address);
+    }
+    const int probe = ::socket(found->ai_family, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const int yes = 1;
+    ::setsockopt(probe, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+    const bool free = ::bind(probe, found->ai_addr, found->ai_addrlen) == 0;
+    const int reason = errno;
+    ::close(probe);
+    ::freeaddrinfo(found);
+    if (!free) {
+        errno = reason;
+        failToListen(address, port);
+    }
+}
+
 void Server::start() {
     Machinery& m = *machinery_;
-    const std::string place = m.endpoint.address + " port " + std::to_string(m.endpoint.port);
     if (!m.http.bind_to_port(m.endpoint.address, m.endpoint.port)) {
-        throw Failure("cannot listen on " + place + ": " + std::strerror(errno));
+        failToListen(m.endpoint.address, m.endpoint.port);
     }
     // The library listens with a backlog of 5; a second listen() only sets a longer one.
     ::listen(m.listener, backlog);

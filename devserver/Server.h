@@ -29,6 +29,9 @@ public:
     Server(const Server&) = delete;
     Server& operator=(const Server&) = delete;
 
+    /// Whether start() would get the address and port now; a Failure when not.
+    static void checkPlace(const std::string& address, int port);
+
     /// Binds and starts to answer; an address or port that cannot be had is a Failure.
     void start();
 

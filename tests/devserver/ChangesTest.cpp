@@ -249,7 +249,7 @@ TEST_F(Changes, BodiesHaveALimit) {
         EXPECT_EQ(reply.errorCode(), 8707);
     }
     EXPECT_EQ(client.get(hosts + '/' + testhost1).status, 200);
-    client.put(name, std::string(4 * 1024 * 1024, ' '));
+    client.put(name, std::string(4'000'000, ' '));
     EXPECT_EQ(client.get(hosts + '/' + testhost1).status, 200);
 }
 

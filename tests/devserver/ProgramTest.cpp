@@ -151,6 +151,7 @@ TEST_F(ServingProgram, APortInUseIsAnError) {
         other.errors.find("cannot listen on " + address + " port 1556: Address already in use"),
         std::string::npos)
         << other.errors;
+    EXPECT_FALSE(fs::exists(folder.path() / "other"));
     EXPECT_EQ(Client(root, address).get(hosts).status, 200);
 }
 
