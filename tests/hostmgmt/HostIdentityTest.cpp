@@ -54,9 +54,9 @@ TEST(GetMasterServer, WithoutAPrimaryServerTheReasonIsShownAndALogicErrorEndsThe
     for (const auto& [config, text] : rows) {
         const Root root(config);
         TestOperation test(noOptions);
-        const Printed printed = printedBy(
-            [&] { EXPECT_THROW(test.operation.getMasterServer(), std::logic_error) << config; });
-        EXPECT_EQ(printed.err, std::string(text) + "\n");
+        const Printed printed =
+            printedBy([&] { EXPECT_THROW(test.operation.getMasterServer(), std::logic_error); });
+        EXPECT_EQ(printed.err, std::string(text) + "\n") << config;
         EXPECT_TRUE(TestOperation::logged(std::string("16 ") + text));
     }
 }
