@@ -21,6 +21,9 @@ add_library(akhostmgmt_sanitizers INTERFACE)
 target_compile_options(akhostmgmt_sanitizers INTERFACE
   -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
 target_link_options(akhostmgmt_sanitizers INTERFACE -fsanitize=address,undefined)
+if(AKHOSTMGMT_FUZZ)
+  target_compile_options(akhostmgmt_sanitizers INTERFACE -fsanitize=fuzzer-no-link)
+endif()
 
 add_library(akhostmgmt_coverage INTERFACE)
 target_compile_options(akhostmgmt_coverage INTERFACE --coverage -fprofile-update=atomic)
