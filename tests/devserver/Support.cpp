@@ -89,10 +89,8 @@ std::vector<FaultRule> rulesOf(const std::vector<std::string>& texts) {
     return rules;
 }
 
-void redirectTo(const fs::path& file, int descriptor) {
-    const int opened = ::open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    ::dup2(opened, descriptor);
-    ::close(opened);
+int emptyFile(const fs::path& file) {
+    return ::open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
 }
 
 }  // namespace
@@ -214,16 +212,19 @@ Program::Program(const fs::path& folder, const std::vector<std::string>& argumen
         pointers.push_back(word.data());
     }
     pointers.push_back(nullptr);
-    const fs::path outputFile = folder_ / "stdout";
-    const fs::path errorFile = folder_ / "stderr";
+    // Emptied here, not by the child: nobody may take what an earlier run said for this one's.
+    const int output = emptyFile(folder_ / "stdout");
+    const int errors = emptyFile(folder_ / "stderr");
     process_ = ::fork();
     if (process_ == 0) {
         ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-        redirectTo(outputFile, STDOUT_FILENO);
-        redirectTo(errorFile, STDERR_FILENO);
+        ::dup2(output, STDOUT_FILENO);
+        ::dup2(errors, STDERR_FILENO);
         ::execv(pointers.front(), pointers.data());
         ::_exit(127);
     }
+    ::close(output);
+    ::close(errors);
 }
 
 Program::~Program() {
