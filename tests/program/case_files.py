@@ -10,8 +10,8 @@ FOLDER = pathlib.Path(__file__).resolve().parent
 STATUS_TEXTS = FOLDER.parent.parent / "platform" / "catalogue" / "StatusTexts.cpp"
 
 KEYS = {
-    "name", "args", "argv0", "stdin", "environment", "dialogue", "tty", "stdout_to",
-    "stderr_to", "ignores_sigpipe", "files", "server", "replies", "timeout",
+    "name", "args", "argv0", "stdin", "stdin_from", "environment", "dialogue", "tty",
+    "stdout_to", "stderr_to", "ignores_sigpipe", "files", "server", "replies", "timeout",
     "stdout", "stderr", "stderr_begins", "status", "signal", "requests", "connections",
     "log", "log_is", "log_absent", "absent_files",
 }  # fmt: skip
@@ -93,6 +93,12 @@ def _check_keys(table, allowed, what):
         raise CaseError(f"{what} has unknown keys: {', '.join(sorted(unknown))}")
 
 
+def _with_defaults(request, every, by_method):
+    """A request of a case laid over what every request has, and over what its method adds."""
+    method = request.get("method", every["method"])
+    return _merge(_merge(every, by_method.get(method, {})), request)
+
+
 def load(path):
     """A file's cases with the defaults laid under them, their texts, and every run's files."""
     path = pathlib.Path(path)
@@ -101,11 +107,13 @@ def load(path):
     _check_keys(own, {"defaults", "texts", "case"}, path.name)
     defaults = _merge(shared["defaults"], own.get("defaults", {}))
     texts = Texts(_merge(shared["texts"], own.get("texts", {})), path.parent)
-    request_defaults = defaults.pop("request")
+    request_defaults, by_method = defaults.pop("request"), defaults.pop("request_by_method")
     cases = []
     for written in own["case"]:
         case = _merge(defaults, written)
-        case["requests"] = [_merge(request_defaults, each) for each in case["requests"]]
+        case["requests"] = [
+            _with_defaults(each, request_defaults, by_method) for each in case["requests"]
+        ]
         _check_keys(case, KEYS, case.get("name", "a case without a name"))
         for request in case["requests"]:
             _check_keys(request, REQUEST_KEYS, f"a request of '{case['name']}'")

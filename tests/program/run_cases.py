@@ -192,7 +192,8 @@ class Verdict:
             lines = [request.line for request in server.requests]
             self._found.append(f"{len(expected)} requests expected, found {lines}")
         for number, (wanted, request) in enumerate(zip(expected, server.requests), 1):
-            line = f"{wanted['method']} {self._string(wanted['target'])} HTTP/1.1"
+            target = self._bytes(wanted["target"]).decode("utf-8", "surrogateescape")
+            line = f"{wanted['method']} {target} HTTP/1.1"
             self._same(f"request {number}", line, request.line)
             self._headers(number, wanted["headers"], request.header_values())
             self._same_bytes(f"body of request {number}", self._bytes(wanted["body"]), request.body)

@@ -11,6 +11,7 @@ import tomllib
 import tty
 
 STREAMS = {"pipe", "closed", "closed pipe", "/dev/full"}
+INPUTS = {"pipe", "closed", "unreadable"}
 
 
 class Certificates:
@@ -155,7 +156,7 @@ class Run:
         self._dialogue = case.get("dialogue", [])
         self._ended = threading.Event()
         self._typed = "stdin" in terminals
-        keyboard, child = keyboard_terminal() if self._typed else os.pipe()[::-1]
+        keyboard, child = standard_input(case["stdin_from"], self._typed)
         process = subprocess.Popen(
             self._command(tool, case, arguments),
             executable=None if self._closes(case) else tool,
@@ -181,12 +182,13 @@ class Run:
 
     @staticmethod
     def _closes(case):
-        return "closed" in (case["stdout_to"], case["stderr_to"])
+        return "closed" in (case["stdin_from"], case["stdout_to"], case["stderr_to"])
 
     def _command(self, tool, case, arguments):
         if not self._closes(case):
             return [case["argv0"], *arguments]
-        closing = [">&-"] if case["stdout_to"] == "closed" else []
+        closing = ["<&-"] if case["stdin_from"] == "closed" else []
+        closing += [">&-"] if case["stdout_to"] == "closed" else []
         closing += ["2>&-"] if case["stderr_to"] == "closed" else []
         return ["/bin/sh", "-c", f'exec "$0" "$@" {" ".join(closing)}', tool, *arguments]
 
@@ -211,6 +213,19 @@ class Run:
                 self.problems.append(f"the prompt did not come: {prompt!r}")
                 return
             time.sleep(0.01)
+
+
+def standard_input(source, is_terminal):
+    """The end that is written to and the tool's end; from the latter nothing comes if unreadable."""
+    if source not in INPUTS:
+        raise ValueError(f"standard input cannot come from {source!r}")
+    if is_terminal:
+        return keyboard_terminal()
+    reader, keyboard = os.pipe()
+    if source == "unreadable":
+        os.close(reader)
+        reader = os.open("/", os.O_RDONLY)
+    return keyboard, reader
 
 
 def keyboard_terminal():

@@ -31,7 +31,7 @@ class Request:
 class Reply:
     """What goes out on the wire for one request, and what happens to the connection then."""
 
-    AFTERWARDS = ("keep", "close", "abort", "stall")
+    AFTERWARDS = ("keep", "close", "abort", "stall", "leave")
 
     def __init__(self, data, afterwards="keep"):
         if afterwards not in self.AFTERWARDS:
@@ -79,14 +79,18 @@ class ScriptedServer:
     def stop(self):
         self._stopping.set()
         for connection in [self._listener, *self._sockets]:
-            try:
-                # Not SSLSocket's own, after which a recv in progress would give encrypted bytes.
-                socket.socket.shutdown(connection, socket.SHUT_RDWR)
-            except OSError:
-                pass
+            self._end(connection)
         for thread in self._threads:
             thread.join(10)
         self._listener.close()
+
+    @staticmethod
+    def _end(connection):
+        try:
+            # Not SSLSocket's own, after which a recv in progress would give encrypted bytes.
+            socket.socket.shutdown(connection, socket.SHUT_RDWR)
+        except OSError:
+            pass
 
     def _accept(self):
         while not self._stopping.is_set():
@@ -143,10 +147,12 @@ class ScriptedServer:
         if reply is None:
             secure.sendall(b"HTTP/1.1 503 No Reply Left\r\nContent-Length: 0\r\n\r\n")
             return False
+        if reply.afterwards == "leave":  # before the reply, so that nobody can be quicker
+            self._end(self._listener)
         secure.sendall(reply.data)
         if reply.afterwards == "stall":
             self._stopping.wait()
-        if reply.afterwards == "close":
+        if reply.afterwards in ("close", "leave"):
             secure.unwrap()
         return reply.afterwards == "keep"
 
