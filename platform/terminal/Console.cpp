@@ -10,15 +10,15 @@ namespace {
 
 constexpr std::size_t bufferSize = std::size_t{64} * 1024;
 
-/// Waits until a descriptor that somebody else has made non-blocking takes bytes again.
-bool waitUntilWritable(int descriptor) {
-    pollfd waiting{descriptor, POLLOUT, 0};
+/// Waits until a descriptor that somebody else has made non-blocking takes or gives bytes again.
+bool waitUntilReady(int descriptor, short event) {
+    pollfd waiting{descriptor, event, 0};
     return poll(&waiting, 1, -1) >= 0 || errno == EINTR;
 }
 
-/// Whether the write that has just failed may be tried again.
-bool mayTryAgain(int descriptor) {
-    return errno == EINTR || (errno == EAGAIN && waitUntilWritable(descriptor));
+/// Whether the read or write that has just failed may be tried again.
+bool mayTryAgain(int descriptor, short event) {
+    return errno == EINTR || (errno == EAGAIN && waitUntilReady(descriptor, event));
 }
 
 /// Writes all of `text`.
@@ -28,11 +28,21 @@ int writeAll(int descriptor, std::string_view text) {
         const ssize_t count = ::write(descriptor, text.data(), text.size());
         if (count >= 0) {
             text.remove_prefix(static_cast<std::size_t>(count));
-        } else if (!mayTryAgain(descriptor)) {
+        } else if (!mayTryAgain(descriptor, POLLOUT)) {
             return errno;
         }
     }
     return 0;
+}
+
+/// Reads one byte.
+/// @return false at the end of the input, which a failure is, too
+bool readByte(int descriptor, char& byte) {
+    ssize_t count = ::read(descriptor, &byte, 1);
+    while (count < 0 && mayTryAgain(descriptor, POLLIN)) {
+        count = ::read(descriptor, &byte, 1);
+    }
+    return count == 1;
 }
 
 bool isClosed(int descriptor) {
@@ -54,12 +64,12 @@ void takeClosedStreams() {
 Console& Console::standard() {
     static const bool taken = (takeClosedStreams(), true);
     static_cast<void>(taken);
-    static Console console(STDOUT_FILENO, STDERR_FILENO);
+    static Console console(STDOUT_FILENO, STDERR_FILENO, STDIN_FILENO);
     return console;
 }
 
-Console::Console(int output, int error)
-    : output_(output), error_(error), outputIsTerminal_(isatty(output) == 1),
+Console::Console(int output, int error, int input)
+    : output_(output), error_(error), input_(input), outputIsTerminal_(isatty(output) == 1),
       errorIsTerminal_(isatty(error) == 1) {}
 
 Console::~Console() {
@@ -94,6 +104,22 @@ void Console::writeThrough(std::string_view text) {
 void Console::writeError(std::string_view text) {
     flush();
     writeAll(error_, errorIsTerminal_ ? visibleText(text) : std::string(text));
+}
+
+Console::Line Console::readLine() {
+    flush();
+    Line line;
+    char byte = 0;
+    while (readByte(input_, byte)) {
+        if (byte == '\n') {
+            return line;
+        }
+        if (line.text.size() < longestLine) {
+            line.text += byte;
+        }
+    }
+    line.endsInput = true;
+    return line;
 }
 
 bool Console::flush() {

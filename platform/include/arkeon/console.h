@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -17,8 +18,15 @@ public:
     /// stream; writing to them fails as to a closed stream.
     static Console& standard();
 
-    /// A console on other descriptors, which it does not own.
-    Console(int output, int error);
+    /// A line of standard input without its newline.
+    struct Line {
+        std::string text;        ///< at most `longestLine` bytes; the rest of a line is dropped
+        bool endsInput = false;  ///< no newline ended it, but the end of the input
+    };
+    static constexpr std::size_t longestLine = 4096;
+
+    /// A console on other descriptors, which it does not own; without input by default.
+    Console(int output, int error, int input = -1);
     ~Console();
     Console(const Console&) = delete;
     Console& operator=(const Console&) = delete;
@@ -29,6 +37,11 @@ public:
 
     /// Writes to standard error at once, after what standard output still holds.
     void writeError(std::string_view text);
+
+    /// Writes out what standard output still holds, then reads a line from standard input. No
+    /// byte after the line is taken, so that whoever shares the input finds the next one. Input
+    /// that cannot be read has ended.
+    Line readLine();
 
     /// Writes out what standard output still holds.
     /// @return whether all output so far was written
@@ -42,6 +55,7 @@ private:
 
     int output_;
     int error_;
+    int input_;
     bool outputIsTerminal_;
     bool errorIsTerminal_;
     int outputError_ = 0;
