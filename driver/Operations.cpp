@@ -1,7 +1,13 @@
 #include "driver/Operations.h"
 
 #include "cmdframework/Usagecmd.h"
+#include "hostmgmt/AkHostMgmtAdd.h"
+#include "hostmgmt/AkHostMgmtAddHost.h"
+#include "hostmgmt/AkHostMgmtComment.h"
+#include "hostmgmt/AkHostMgmtDelete.h"
 #include "hostmgmt/AkHostMgmtList.h"
+#include "hostmgmt/AkHostMgmtReissueCert.h"
+#include "hostmgmt/AkHostMgmtUpdateHost.h"
 
 namespace {
 
@@ -21,12 +27,21 @@ using namespace topLevelAkHostMgmtOptions;
 
 // Tested from the top.
 constexpr Operation operations[] = {
+    {add, add_alias, make<AkHostMgmtAdd>},
+    {delete_cmd, delete_alias, make<AkHostMgmtDelete>},
     {lst, list_alias, make<AkHostMgmtList>},
+    {addcomment, addcomment_alias, make<AkHostMgmtComment>},
+    {deletecomment, deletecomment_alias, make<AkHostMgmtComment>},
+    {setautoreissuecert, setautoreissuecert_alias, make<AkHostMgmtReissueCert>},
+    {addhost, addhost_alias, make<AkHostMgmtAddHost>},
+    {updatehost, updatehost_alias, make<AkHostMgmtUpdateHost>},
 };
 
 // In the order of the top-level help.
 constexpr void (*synopses[])() = {
-    AkHostMgmtList::printHelp,
+    AkHostMgmtAdd::printHelp,        AkHostMgmtDelete::printHelp,      AkHostMgmtList::printHelp,
+    AkHostMgmtComment::printHelp,    AkHostMgmtReissueCert::printHelp, AkHostMgmtAddHost::printHelp,
+    AkHostMgmtUpdateHost::printHelp,
 };
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "hostmgmt/OptionNames.h"
 #include "hostmgmt/RestResources.h"
 
+#include <cstddef>
 #include <string>
 
 class AKClientCURL;
@@ -18,7 +19,8 @@ class AKClientCURL;
 ///
 /// Its parts stand in files of their own: the JSON object in AkHostMgmtBaseOption.cpp, the rules in
 /// ArgumentRules.cpp, whom to ask about which host in HostIdentity.cpp, the requests in
-/// ServerRequests.cpp, and a failure's words in ServerErrors.cpp.
+/// ServerRequests.cpp, a failure's words in ServerErrors.cpp, and those of a success and of the
+/// help in OperationOutput.cpp.
 class AkHostMgmtBaseOption : public CBasecmd {
 public:
     /// `name` is the operation's option as given, `table` its options. The operation logs with the
@@ -92,19 +94,50 @@ public:
 
 protected:
     /// @name The rules that operations share
-    /// Each throws CUsagecmd when it is broken; all but the first log the text before.
+    /// Each throws CUsagecmd when it is broken. The first three raise a message of the framework;
+    /// the others make up a text of their own and log it before.
     /// @{
     void rejectHelpAlias() const;
+    void requireOption(OptionName option) const;
+    void rejectInvalidUtf8(OptionName option) const;
     void rejectBoth(OptionName first, OptionName second) const;
+    void requireEither(OptionName first, OptionName second) const;
     void rejectSlashes(OptionName option, const CatalogueText& text) const;
-    void rejectLongerThan(unsigned long limit, OptionName option) const;
+    void rejectLongerThan(std::size_t limit, OptionName option) const;
     [[noreturn]] void refuse(usageExceptions code, const std::string& text) const;
     /// @}
+
+    /// The limits of what a server takes, in bytes.
+    static constexpr std::size_t longestHostName = 1024;
+    static constexpr std::size_t longestMappingName = 1024;
+    static constexpr std::size_t longestReason = 512;
 
     bool isGiven(OptionName option) const;
 
     /// The value under the option's name when that is present, else under its alias.
     std::string valueOf(OptionName option) const;
+
+    /// The same as an unsigned 32-bit integer.
+    /// @throws CUsagecmd code 8 (no value) or 7 (no such number)
+    unsigned int numberOf(OptionName option) const;
+
+    /// `sendRequest` with the user's login, for a request whose reply has nothing to read but its
+    /// status.
+    /// @param httpCode receives the reply's status; untouched when there was no reply
+    int sendChange(
+        OperationType operation, CurlRequestType method, const std::string& body,
+        const std::string& mappingName, const std::string& hostId, int& httpCode);
+
+    /// Logs the text of a success and prints it as a line; an empty text is an empty line.
+    void announce(const std::string& text) const;
+
+    /// Prints a synopsis as a line.
+    static void showSynopsis(const CatalogueText& synopsis);
+
+    /// Prints a usage: heading, synopsis, description, and the examples, which are the same in
+    /// every language.
+    static void showUsage(
+        const CatalogueText& synopsis, const CatalogueText& description, const char* examples);
 
     CLogcmd operationLog;
     JsonRef payload;
@@ -123,6 +156,10 @@ private:
     std::string showWebLoginRequired() const;
     void showStatus(int code, const std::string& text) const;
 };
+
+/// The name of an operation as its object bears it: `name` when that is on the command line, else
+/// `alias`.
+const char* nameOrAlias(const CArgscmd& args, const char* name, const char* alias);
 
 /// Whether a status says that the user has to log in first.
 bool isLoginFailure(int status);

@@ -10,8 +10,6 @@ using arkeon::Console;
 
 namespace {
 
-constexpr unsigned long longestHostName = 1024;
-
 const PARAMETERS paramList[] = {
     optionRow(1, option::server, parameterTypes::string),
     optionRow(2, option::hostid, parameterTypes::string),
@@ -55,11 +53,6 @@ constexpr CatalogueText nothingForHost =
 constexpr CatalogueText nothingForOption =
     catalogued("SmeHmm0017N", "Mappings for the specified option do not exist.");
 
-const char* nameIn(const CArgscmd& args) {
-    using namespace topLevelAkHostMgmtOptions;
-    return args.exists(lst) ? lst : list_alias;
-}
-
 }  // namespace
 
 /// What to ask the server for.
@@ -71,7 +64,10 @@ struct AkHostMgmtList::Query {
 };
 
 AkHostMgmtList::AkHostMgmtList(CArgscmd newArgs, CLogcmd& commandLog)
-    : AkHostMgmtBaseOption(nameIn(newArgs), newArgs, paramList, std::size(paramList), commandLog) {}
+    : AkHostMgmtBaseOption(
+          nameOrAlias(
+              newArgs, topLevelAkHostMgmtOptions::lst, topLevelAkHostMgmtOptions::list_alias),
+          newArgs, paramList, std::size(paramList), commandLog) {}
 
 void AkHostMgmtList::checkArguments() {
     CBasecmd::checkArguments();
@@ -196,12 +192,9 @@ int AkHostMgmtList::reportNothingFound() {
 }
 
 void AkHostMgmtList::printHelp() {
-    Console::standard().write(messageText(synopsis, commandName) + "\n");
+    showSynopsis(synopsis);
 }
 
 void AkHostMgmtList::printUsage() {
-    Console& console = Console::standard();
-    console.write(messageText(messages::usageHeading) + "\n");
-    printHelp();
-    console.write("\n" + messageText(description) + examples);
+    showUsage(synopsis, description, examples);
 }

@@ -1,5 +1,6 @@
 // The rules on arguments that the operations share.
 
+#include "arkeon/text.h"
 #include "hostmgmt/AkHostMgmtBaseOption.h"
 
 namespace {
@@ -12,12 +13,20 @@ CUsagecmd failureWithText(usageExceptions code, const std::string& text) {
 
 }  // namespace
 
+const char* nameOrAlias(const CArgscmd& args, const char* name, const char* alias) {
+    return args.exists(name) ? name : alias;
+}
+
 bool AkHostMgmtBaseOption::isGiven(OptionName option) const {
     return args.exists(option.name) || args.exists(option.alias);
 }
 
 std::string AkHostMgmtBaseOption::valueOf(OptionName option) const {
-    return args.argValue(args.exists(option.name) ? option.name : option.alias);
+    return args.argValue(nameOrAlias(args, option.name, option.alias));
+}
+
+unsigned int AkHostMgmtBaseOption::numberOf(OptionName option) const {
+    return args.numericValue(nameOrAlias(args, option.name, option.alias));
 }
 
 void AkHostMgmtBaseOption::refuse(usageExceptions code, const std::string& text) const {
@@ -32,6 +41,19 @@ void AkHostMgmtBaseOption::rejectHelpAlias() const {
     }
 }
 
+void AkHostMgmtBaseOption::requireOption(OptionName option) const {
+    if (!isGiven(option)) {
+        throw CUsagecmd(requiredOptionMissing, option.name);
+    }
+}
+
+// JSON texts are UTF-8 (RFC 8259, section 8.1).
+void AkHostMgmtBaseOption::rejectInvalidUtf8(OptionName option) const {
+    if (!arkeon::isUtf8(valueOf(option))) {
+        throw CUsagecmd(invalidValue, option.name);
+    }
+}
+
 void AkHostMgmtBaseOption::rejectBoth(OptionName first, OptionName second) const {
     if (isGiven(first) && isGiven(second)) {
         // The names follow the colon without a blank on purpose.
@@ -41,13 +63,19 @@ void AkHostMgmtBaseOption::rejectBoth(OptionName first, OptionName second) const
     }
 }
 
+void AkHostMgmtBaseOption::requireEither(OptionName first, OptionName second) const {
+    if (!isGiven(first) && !isGiven(second)) {
+        refuse(eitherIsRequired, messageText(messages::eitherIsRequired, first.name, second.name));
+    }
+}
+
 void AkHostMgmtBaseOption::rejectSlashes(OptionName option, const CatalogueText& text) const {
     if (valueOf(option).find_first_of("\\/") != std::string::npos) {
         refuse(holdsSlashes, messageText(text));
     }
 }
 
-void AkHostMgmtBaseOption::rejectLongerThan(unsigned long limit, OptionName option) const {
+void AkHostMgmtBaseOption::rejectLongerThan(std::size_t limit, OptionName option) const {
     if (valueOf(option).size() > limit) {
         refuse(valueTooLong, messageText(messages::valueIsTooLong) + "\n" + option.name);
     }

@@ -9,8 +9,22 @@ namespace topLevelAkHostMgmtOptions {
 
 inline constexpr const char* help = "help";
 inline constexpr const char* help_alias = "h";
+inline constexpr const char* add = "add";
+inline constexpr const char* add_alias = "a";
+inline constexpr const char* delete_cmd = "delete";
+inline constexpr const char* delete_alias = "d";
 inline constexpr const char* lst = "list";
 inline constexpr const char* list_alias = "li";
+inline constexpr const char* addcomment = "addcomment";
+inline constexpr const char* addcomment_alias = "ac";
+inline constexpr const char* deletecomment = "deletecomment";
+inline constexpr const char* deletecomment_alias = "dc";
+inline constexpr const char* setautoreissuecert = "allowautoreissuecert";
+inline constexpr const char* setautoreissuecert_alias = "aa";
+inline constexpr const char* addhost = "addhost";
+inline constexpr const char* addhost_alias = "ah";
+inline constexpr const char* updatehost = "updatehost";
+inline constexpr const char* updatehost_alias = "uh";
 
 }  // namespace topLevelAkHostMgmtOptions
 
@@ -27,6 +41,17 @@ inline constexpr const char* reason = "reason";
 inline constexpr const char* reason_alias = "r";
 inline constexpr const char* help = "help";
 inline constexpr const char* help_alias = "h";
+
+inline constexpr const char* mappingname = "mappingname";
+inline constexpr const char* mappingname_alias = "hm";
+inline constexpr const char* isshared = "isshared";
+inline constexpr const char* isshared_alias = "is";
+inline constexpr const char* newhostname = "newhostname";
+inline constexpr const char* newhostname_alias = "nh";
+inline constexpr const char* comment = "comment";
+inline constexpr const char* comment_alias = "c";
+inline constexpr const char* autoreissue = "autoreissue";
+inline constexpr const char* autoreissue_alias = "ar";
 
 inline constexpr const char* short_output = "short";
 inline constexpr const char* short_output_alias = "l";
@@ -60,6 +85,11 @@ inline constexpr OptionName hostid{names::hostid, names::hostid_alias};
 inline constexpr OptionName host{names::host, names::host_alias};
 inline constexpr OptionName reason{names::reason, names::reason_alias};
 inline constexpr OptionName help{names::help, names::help_alias};
+inline constexpr OptionName mappingname{names::mappingname, names::mappingname_alias};
+inline constexpr OptionName isshared{names::isshared, names::isshared_alias};
+inline constexpr OptionName newhostname{names::newhostname, names::newhostname_alias};
+inline constexpr OptionName comment{names::comment, names::comment_alias};
+inline constexpr OptionName autoreissue{names::autoreissue, names::autoreissue_alias};
 inline constexpr OptionName shortOutput{names::short_output, names::short_output_alias};
 inline constexpr OptionName json{names::json, names::json_alias};
 inline constexpr OptionName jsonCompact{names::json_compact, names::json_compact_alias};

@@ -84,6 +84,15 @@ int AkHostMgmtBaseOption::sendRequest(
     return result;
 }
 
+int AkHostMgmtBaseOption::sendChange(
+    OperationType operation, CurlRequestType method, const std::string& body,
+    const std::string& mappingName, const std::string& hostId, int& httpCode) {
+    std::string response;
+    return sendRequest(
+        operation, method, body, mappingName.c_str(), hostId.c_str(), response, httpCode,
+        USER_LOGIN);
+}
+
 int AkHostMgmtBaseOption::reportUnknownMapping() const {
     showStatus(arkeon::status::unknownMapping, messageText(mappingDoesNotExist));
     return arkeon::status::unknownMapping;

@@ -1,0 +1,129 @@
+#include "hostmgmt/AkHostMgmtAddHost.h"
+
+#include "arkeon/console.h"
+#include "arkeon/status.h"
+#include "cmdframework/CaseInsensitive.h"
+
+#include <iterator>
+#include <string_view>
+
+using arkeon::Console;
+
+namespace {
+
+const PARAMETERS paramList[] = {
+    optionRow(1, option::server, parameterTypes::string),
+    optionRow(2, option::host, parameterTypes::string),
+    optionRow(3, option::reason, parameterTypes::string),
+    optionRow(4, option::help, parameterTypes::none),
+};
+
+constexpr CatalogueText synopsis = catalogued(
+    "SmeHmm0052N", "%s {{-ah | -addhost} {-n | -host} <host> }\n"
+                   "\t [{-r | -reason} <reason>] [{-s | -server} <master_server>] }");
+constexpr CatalogueText description = catalogued(
+    "SmeHmm0053N", "Description:\n"
+                   "Use this option to add a host in the host database.\n"
+                   "\n"
+                   "Examples:");
+// The second example has two blanks before "-server".
+constexpr const char* examples = "\n"
+                                 "akhostmgmt -addhost -host testhost1 \n"
+                                 "akhostmgmt -addhost -host testhost1  -server ABCserver \n";
+constexpr CatalogueText hostAdded =
+    catalogued("SmeHmm0054N", "The host %s is added in the host database");
+constexpr CatalogueText notRecommended = catalogued(
+    "SmeHmm0057N", "It is not recommended to manually add a host except for specific scenarios.");
+constexpr CatalogueText whereToRead = catalogued(
+    "SmeHmm0058N", " For more details, refer to the Adding a Arkeon host manually section from the "
+                   "Arkeon Security and Encryption Guide.");
+constexpr CatalogueText question =
+    catalogued("SmeHmm0059N", "Do you really want to add a host? (y/n): ");
+constexpr CatalogueText questionAgain =
+    catalogued("SmeHmm0060N", "Please type 'y' for yes or 'n' for no: ");
+constexpr CatalogueText declined = catalogued("SmeHmm0061N", "Exiting as 'n' or 'no' is entered.");
+constexpr CatalogueText confirmed =
+    catalogued("SmeHmm0062N", "Continuing as 'y' or 'yes' is entered.");
+
+bool isOneOf(const std::string& answer, std::string_view word, std::string_view letter) {
+    // Sizes first: a line may hold a NUL byte, where a comparison would end.
+    return (answer.size() == word.size() && equalIgnoringCase(answer, std::string(word))) ||
+           (answer.size() == letter.size() && equalIgnoringCase(answer, std::string(letter)));
+}
+
+}  // namespace
+
+AkHostMgmtAddHost::AkHostMgmtAddHost(CArgscmd newArgs, CLogcmd& commandLog)
+    : AkHostMgmtBaseOption(
+          nameOrAlias(
+              newArgs, topLevelAkHostMgmtOptions::addhost,
+              topLevelAkHostMgmtOptions::addhost_alias),
+          newArgs, paramList, std::size(paramList), commandLog) {}
+
+void AkHostMgmtAddHost::checkArguments() {
+    CBasecmd::checkArguments();
+    rejectHelpAlias();
+    requireOption(option::host);
+    rejectSlashes(option::host, messages::hostNameHoldsSlashes);
+    rejectLongerThan(longestHostName, option::host);
+    rejectInvalidUtf8(option::host);
+}
+
+int AkHostMgmtAddHost::execute() {
+    switch (askForConfirmation()) {
+    case Answer::unshown:
+        return arkeon::status::outputFailed;
+    case Answer::no:
+        operationLog.logit(messageText(declined), logLevel::ordinary);
+        return arkeon::status::success;
+    case Answer::yes:
+        operationLog.logit(messageText(confirmed), logLevel::ordinary);
+        break;
+    }
+    return addHost();
+}
+
+// At the end of the input everything but a "no" is a "yes", so that a run without any input adds
+// the host.
+AkHostMgmtAddHost::Answer AkHostMgmtAddHost::askForConfirmation() const {
+    Console& console = Console::standard();
+    console.write(messageText(notRecommended) + messageText(whereToRead) + "\n");
+    console.write(messageText(question));
+    while (console.flush()) {
+        const Console::Line answer = console.readLine();
+        if (isOneOf(answer.text, "no", "n")) {
+            return Answer::no;
+        }
+        if (answer.endsInput || isOneOf(answer.text, "yes", "y")) {
+            return Answer::yes;
+        }
+        const std::string again = messageText(questionAgain);
+        console.write(again);
+        operationLog.logit(again, logLevel::ordinary);
+    }
+    return Answer::unshown;
+}
+
+int AkHostMgmtAddHost::addHost() {
+    addedHostName = valueOf(option::host);
+    setJSONObject("hostName", addedHostName.c_str());
+    int httpCode = 0;
+    const int result = sendChange(OP_ADD_HOST, CURL_POST, getJSONpayload(), "", "", httpCode);
+    if (result == arkeon::status::success) {
+        printMessageString(httpCode);
+    }
+    return result;
+}
+
+void AkHostMgmtAddHost::printMessageString(int httpCode) {
+    const bool added = httpCode == 200 || httpCode == 201;
+    announce(added ? messageText(hostAdded, addedHostName.c_str()) : "");
+}
+
+void AkHostMgmtAddHost::printHelp() {
+    showSynopsis(synopsis);
+}
+
+void AkHostMgmtAddHost::printUsage() {
+    showUsage(synopsis, description, examples);
+}

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "hostmgmt/AkHostMgmtBaseOption.h"
+
+#include <string>
+
+/// `-allowautoreissuecert`: gives or takes away the permission to reissue a host's certificate
+/// without a reissue token. The server takes a permission away by itself after 48 hours.
+class AkHostMgmtReissueCert : public AkHostMgmtBaseOption {
+public:
+    AkHostMgmtReissueCert(CArgscmd args, CLogcmd& log);
+
+    /// @throws CUsagecmd at the first broken rule
+    void checkArguments() override;
+
+    /// @return 0, or the status of the look-up or of the request
+    int execute() override;
+
+    void printUsage() override;
+
+    /// Prints the synopsis.
+    static void printHelp();
+
+    /// For the HTTP status 200 or 204 prints what the new setting means and that it is set, two
+    /// empty lines for any other.
+    void printMessageString(int httpCode);
+
+private:
+    bool isWanted() const;
+
+    std::string resolvedHostId;
+};

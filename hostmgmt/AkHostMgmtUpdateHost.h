@@ -1,0 +1,28 @@
+#pragma once
+
+#include "hostmgmt/AkHostMgmtBaseOption.h"
+
+#include <string>
+
+/// `-updatehost`: changes the primary name of a host.
+class AkHostMgmtUpdateHost : public AkHostMgmtBaseOption {
+public:
+    AkHostMgmtUpdateHost(CArgscmd args, CLogcmd& log);
+
+    /// @throws CUsagecmd at the first broken rule
+    void checkArguments() override;
+
+    /// @return 0, or the status of the look-up or of the request
+    int execute() override;
+
+    void printUsage() override;
+
+    /// Prints the synopsis.
+    static void printHelp();
+
+    /// Prints that the name is changed for the HTTP status 200 or 204, an empty line for any other.
+    void printMessageString(int httpCode);
+
+private:
+    std::string resolvedHostId;
+};
