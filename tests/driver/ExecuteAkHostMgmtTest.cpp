@@ -67,12 +67,36 @@ private:
 
 constexpr const char* topLevelHelp =
     "\nUSAGE:\n\n"
+    "akhostmgmt {{-a | -add} { {-i | -hostid} <hostid> | {-n | -host} <host>}\n"
+    "\t {-hm | -mappingname} <mappingname>\n"
+    "\t [-is | -isshared] [{-r | -reason} <reason>]\n"
+    "\t [{-s | -server} <master_server>] }\n"
+    "akhostmgmt { {-d | -delete} { {-i | -hostid} <hostid> | {-n | -host} <host>}\n"
+    "\t {-hm | -mappingname} <mappingname>\n"
+    "\t [{-r | -reason} <reason>]\n"
+    "\t [{-s | -server} <master_server>] }\n"
     "akhostmgmt { {-li | -list} [{-l | -short} | {-j | -json} | { -jc | -json_compact}] \n"
     "\t [{-i | -hostid} <hostid> | \n"
     "\t {-n | -host} <host> | \n"
     "\t {-ap | -approved} | \n"
     "\t {-p | -pending} | \n"
     "\t {-cf | -conflict}]\n"
+    "\t [{-s | -server} <master_server>] }\n"
+    "akhostmgmt { {-ac | -addcomment}\n"
+    "\t { {-i | -hostid} <hostid> | {-n | -host} <host> }\n"
+    "\t {-c | -comment} <comment> } [{-s | -server} <master_server>] }\n"
+    "akhostmgmt { {-dc | -deletecomment}\n"
+    "\t { {-i | -hostid} <hostid> | {-n | -host} <host> }\n"
+    "\t [{-s | -server} <master_server>] }\n"
+    "akhostmgmt {{-aa | -allowautoreissuecert}\n"
+    "\t { {-i | -hostid} <hostid> | {-n | -host} <host> }\n"
+    "\t {-ar | -autoreissue} <0/1> } [{-r | -reason} <reason>]\n"
+    "\t [{-s | -server} <master_server>] }\n"
+    "akhostmgmt {{-ah | -addhost} {-n | -host} <host> }\n"
+    "\t [{-r | -reason} <reason>] [{-s | -server} <master_server>] }\n"
+    "akhostmgmt {{-uh | -updatehost} { {-i | -hostid} <hostid> | {-n | -host} <host>}\n"
+    "\t {-nh | -newhostname} <newhostname>\n"
+    "\t [{-r | -reason} <reason>]\n"
     "\t [{-s | -server} <master_server>] }\n"
     "akhostmgmt {-h | -help}\n\n"
     "Description:\n"
@@ -99,7 +123,7 @@ TEST(UsageFailures, BeforeAnOperationShowTheTopLevelHelp) {
     const std::pair<std::vector<std::string>, const char*> rows[] = {
         {{}, "An invalid option was used.\n"},
         {{"-unknown"}, "An invalid option was used.\n"},
-        {{"-add", "-hostid", "x"}, "An invalid option was used.\n"},
+        {{"-adds", "-hostid", "x"}, "An invalid option was used.\n"},
         {{"-help", "extra"}, "An invalid option was used.\n"},
         {{"-h", "-unknown"}, "An invalid option was used.\n"},
         {{"list"}, "Missing option character on parameter.\nlist\n"},

@@ -1,6 +1,12 @@
 #include "driver/Operations.h"
 
+#include "hostmgmt/AkHostMgmtAdd.h"
+#include "hostmgmt/AkHostMgmtAddHost.h"
+#include "hostmgmt/AkHostMgmtComment.h"
+#include "hostmgmt/AkHostMgmtDelete.h"
 #include "hostmgmt/AkHostMgmtList.h"
+#include "hostmgmt/AkHostMgmtReissueCert.h"
+#include "hostmgmt/AkHostMgmtUpdateHost.h"
 #include "support/CommandLine.h"
 #include "support/LogLines.h"
 #include "support/Streams.h"
@@ -20,6 +26,29 @@ TEST(Operations, AreChosenByNameOrAliasInAnyLetterCaseAndPlace) {
     EXPECT_TRUE(chooses<AkHostMgmtList>({"-list"}));
     EXPECT_TRUE(chooses<AkHostMgmtList>({"-LI"}));
     EXPECT_TRUE(chooses<AkHostMgmtList>({"-help", "-server", "x", "-List"}));
+    EXPECT_TRUE(chooses<AkHostMgmtAdd>({"-add"}));
+    EXPECT_TRUE(chooses<AkHostMgmtAdd>({"-A"}));
+    EXPECT_TRUE(chooses<AkHostMgmtDelete>({"-Delete"}));
+    EXPECT_TRUE(chooses<AkHostMgmtDelete>({"-d"}));
+    EXPECT_TRUE(chooses<AkHostMgmtComment>({"-AddComment"}));
+    EXPECT_TRUE(chooses<AkHostMgmtComment>({"-ac"}));
+    EXPECT_TRUE(chooses<AkHostMgmtComment>({"-deletecomment"}));
+    EXPECT_TRUE(chooses<AkHostMgmtComment>({"-DC"}));
+    EXPECT_TRUE(chooses<AkHostMgmtReissueCert>({"-allowautoreissuecert"}));
+    EXPECT_TRUE(chooses<AkHostMgmtReissueCert>({"-aa"}));
+    EXPECT_TRUE(chooses<AkHostMgmtAddHost>({"-addhost"}));
+    EXPECT_TRUE(chooses<AkHostMgmtAddHost>({"-Ah"}));
+    EXPECT_TRUE(chooses<AkHostMgmtUpdateHost>({"-updatehost"}));
+    EXPECT_TRUE(chooses<AkHostMgmtUpdateHost>({"-uh"}));
+}
+
+TEST(Operations, OfSeveralTheFirstOfAFixedOrderIsChosen) {
+    EXPECT_TRUE(chooses<AkHostMgmtAdd>({"-delete", "-a"}));
+    EXPECT_TRUE(chooses<AkHostMgmtDelete>({"-list", "-d"}));
+    EXPECT_TRUE(chooses<AkHostMgmtList>({"-ac", "-li"}));
+    EXPECT_TRUE(chooses<AkHostMgmtComment>({"-aa", "-dc"}));
+    EXPECT_TRUE(chooses<AkHostMgmtReissueCert>({"-ah", "-aa"}));
+    EXPECT_TRUE(chooses<AkHostMgmtAddHost>({"-uh", "-ah"}));
 }
 
 TEST(Operations, ACommandLineWithoutOneIsRefused) {
@@ -34,7 +63,15 @@ TEST(Operations, ACommandLineWithoutOneIsRefused) {
 
 TEST(Operations, EverySynopsisIsPrinted) {
     const std::string printed = printedBy(printSynopses).out;
-    EXPECT_EQ(printed, printedBy(AkHostMgmtList::printHelp).out);
+    std::string synopses;
+    for (const auto printHelp :
+         {AkHostMgmtAdd::printHelp, AkHostMgmtDelete::printHelp, AkHostMgmtList::printHelp,
+          AkHostMgmtComment::printAddCommentHelp, AkHostMgmtComment::printDeleteCommentHelp,
+          AkHostMgmtReissueCert::printHelp, AkHostMgmtAddHost::printHelp,
+          AkHostMgmtUpdateHost::printHelp}) {
+        synopses += printedBy(printHelp).out;
+    }
+    EXPECT_EQ(printed, synopses);
 }
 
 }  // namespace

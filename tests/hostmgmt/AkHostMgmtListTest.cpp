@@ -1,5 +1,6 @@
 #include "cmdframework/Messages.h"
 #include "support/Environment.h"
+#include "support/OptionTable.h"
 #include "support/StatusLines.h"
 #include "support/TempDir.h"
 #include "support/TestListing.h"
@@ -7,7 +8,6 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
-#include <iterator>
 
 namespace {
 
@@ -36,37 +36,18 @@ const std::string hostSlashes = "Host name must not contain slashes ('/' or '\\'
 const std::string idSlashes = "Host ID must not contain slashes ('/' or '\\')";
 
 TEST(ListTable, HoldsTheOptionsInTheirOrder) {
-    struct Row {
-        const char* name;
-        const char* alias;
-        parameterTypes type;
-    };
-    constexpr Row rows[] = {
-        {"server", "s", parameterTypes::string},  {"hostid", "i", parameterTypes::string},
-        {"host", "n", parameterTypes::string},    {"short", "l", parameterTypes::none},
-        {"json", "j", parameterTypes::none},      {"json_compact", "jc", parameterTypes::none},
-        {"approved", "ap", parameterTypes::none}, {"pending", "p", parameterTypes::none},
-        {"conflict", "cf", parameterTypes::none}, {"apvmappings", "am", parameterTypes::none},
-        {"help", "h", parameterTypes::none},
-    };
-    class OpenList : public AkHostMgmtList {
-    public:
-        using AkHostMgmtList::AkHostMgmtList;
-        const CParameterscmd& table() const { return params; }
-    };
-    LogLines lines;
-    const OpenList operation(parsed({"-list"}), lines.log);
-    ASSERT_EQ(operation.table().size(), std::size(rows));
-    for (std::uint32_t id = 1; id <= std::size(rows); ++id) {
-        const PARAMETERS& row = operation.table().at(id);
-        EXPECT_EQ(row.name, rows[id - 1].name);
-        EXPECT_EQ(row.alias, rows[id - 1].alias);
-        EXPECT_EQ(row.type, rows[id - 1].type) << row.name;
-        EXPECT_EQ(row.required, 0U) << row.name;
-        EXPECT_EQ(row.allowedValues, nullptr) << row.name;
-        EXPECT_EQ(operation.table().find(row.name)->first, id) << "no other row's alias";
-        EXPECT_EQ(operation.table().find(row.alias)->first, id) << "no other row's name";
-    }
+    expectTable<AkHostMgmtList>(
+        "-list", {{"server", "s"},
+                  {"hostid", "i"},
+                  {"host", "n"},
+                  {"short", "l", parameterTypes::none},
+                  {"json", "j", parameterTypes::none},
+                  {"json_compact", "jc", parameterTypes::none},
+                  {"approved", "ap", parameterTypes::none},
+                  {"pending", "p", parameterTypes::none},
+                  {"conflict", "cf", parameterTypes::none},
+                  {"apvmappings", "am", parameterTypes::none},
+                  {"help", "h", parameterTypes::none}});
 }
 
 TEST(ListArguments, TheOperationIsNamedAsItIsGiven) {
