@@ -57,8 +57,7 @@ std::string_view tokenOf(std::string_view authorization) {
 }
 
 void checkReason(const Call& call) {
-    const std::optional<std::string> reason = text::percentDecoded(call.auditReason);
-    if (!reason || reason->size() > longestReason) {
+    if (call.auditReason.size() > longestReason) {
         throw Refusal{errors::badValue};
     }
 }
@@ -191,7 +190,7 @@ AuditEntry auditEntry(const Call& call, const Reply& reply, std::string who) {
     entry.who = std::move(who);
     entry.method = call.method;
     entry.resource = call.target;
-    entry.reason = text::percentDecoded(call.auditReason).value_or(call.auditReason);
+    entry.reason = call.auditReason;
     entry.status = reply.status;
     entry.errorCode = reply.errorCode;
     return entry;

@@ -9,8 +9,8 @@
 
 namespace devserver {
 
-/// A request as the resources see it: what came over the wire, nothing decoded yet. A header
-/// that was not sent is empty.
+/// A request as the resources see it: what came over the wire, nothing decoded yet but the audit
+/// reason. A header that was not sent is empty.
 struct Call {
     std::string method;
     std::string target;
@@ -18,7 +18,7 @@ struct Call {
     std::string accept;
     std::string contentType;
     std::string authorization;
-    std::string auditReason;
+    std::string auditReason;  ///< percent-decoded
     std::string body;
     bool bodyTooLarge = false;  ///< `body` is not the whole of it
     bool incomplete = false;    ///< a body that broke off, or one that nobody reads

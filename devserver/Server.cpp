@@ -46,6 +46,7 @@ Call callOf(const httplib::Request& request) {
     call.accept = request.get_header_value("Accept");
     call.contentType = request.get_header_value("Content-Type");
     call.authorization = request.get_header_value("Authorization");
+    // The library has percent-decoded the values of all headers; twice would be once too often.
     call.auditReason = request.get_header_value("X-Arkeon-Audit-Reason");
     return call;
 }

@@ -264,9 +264,32 @@ TEST_F(Changes, ReasonsHaveALimit) {
         return client.send(
             "DELETE", mapping(testhost1, "none"), nullptr, {{"X-Arkeon-Audit-Reason", reason}});
     };
+    const auto encoded = [](std::size_t length) {
+        std::string reason;
+        for (std::size_t i = 0; i < length; ++i) {
+            reason += "%25";
+        }
+        return reason;
+    };
     EXPECT_EQ(deleteWith(std::string(512, 'r')).errorCode(), 8701);
     EXPECT_EQ(deleteWith(std::string(513, 'r')).errorCode(), 8706);
-    EXPECT_EQ(deleteWith("%zz").errorCode(), 8706);
+    EXPECT_EQ(deleteWith(encoded(512)).errorCode(), 8701);
+    EXPECT_EQ(deleteWith(encoded(513)).errorCode(), 8706);
+}
+
+TEST_F(Changes, ReasonsAreDecodedOnce) {
+    const std::vector<std::pair<std::string, std::string>> reasons{
+        {"100%25%20sure", "100% sure"}, {"%2541", "%41"}, {"a%2Bb+c", "a+b+c"}, {"%zz", "%zz"}};
+    for (const auto& [sent, reason] : reasons) {
+        EXPECT_EQ(
+            client
+                .send(
+                    "DELETE", mapping(testhost1, "none"), nullptr,
+                    {{"X-Arkeon-Audit-Reason", sent}})
+                .errorCode(),
+            8701);
+        EXPECT_EQ(server.audit().back().reason, reason);
+    }
 }
 
 TEST_F(Changes, EveryChangeAndEveryRefusalIsAudited) {
