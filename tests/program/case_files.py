@@ -78,7 +78,7 @@ class Texts:
         kind, _, argument = match[1].partition(":")
         try:
             if kind == "text":
-                return self.string(self._named[argument], known)
+                return self.bytes(self._named[argument], known).decode()
             if kind == "status":
                 row = self._statuses.get(argument)
                 return row or self._statuses["Unknown"].replace("%d", argument)
