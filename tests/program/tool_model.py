@@ -1,0 +1,248 @@
+"""What a run of the tool prints and returns, modelled on a `HostModel` in the server's place."""
+
+import pathlib
+import re
+import urllib.parse
+from dataclasses import dataclass
+
+import command_line_model as line
+import listing_model
+from host_model import COLLECTION, Refused, text
+
+STATUS_PAGE = pathlib.Path(__file__).resolve().parents[2] / "docs" / "statuses.md"
+UNKNOWN_STATUS = "The operation failed with status {}; the server's documentation may explain \
+this code."
+NOT_SENDABLE = re.compile("[\0-\x20\x7f]")
+
+WARNING = (
+    "It is not recommended to manually add a host except for specific scenarios. For more details, "
+    "refer to the Adding a Arkeon host manually section from the Arkeon Security and Encryption "
+    "Guide.\n"
+)
+PROMPT = "Do you really want to add a host? (y/n): "
+PROMPT_AGAIN = "Please type 'y' for yes or 'n' for no: "
+REISSUE_TEXTS = [
+    ("This option resets the auto reissue certificate parameter. You will require a reissue token "
+     "to deploy a certificate on the host.",
+     "The auto reissue certificate parameter is disabled for {}."),
+    ("This option lets you reissue certificate on the host without requiring a reissue token. By "
+     "default, the option is disabled after 48 hours.",
+     "The auto reissue certificate parameter is enabled for {}."),
+]  # fmt: skip
+AMBIGUOUS = "The host name that was provided must be associated with a single host ID."
+NO_SUCH_MAPPING = "The mapping name that was provided does not exist."
+NO_MAPPINGS = "Mappings for the specified host do not exist."
+NOTHING_FOUND = "Mappings for the specified option do not exist.\n"
+LOGIN_NEEDED = "Authorization failed. A web login is required. Run the 'akauth -login -loginType \
+WEB|APIKEY' command to login.\n"
+
+
+def _status_texts():
+    row = re.compile(r"\| (\d+) \| \d+ \| (.*) \|")
+    rows = map(row.fullmatch, STATUS_PAGE.read_text().splitlines())
+    return {int(match[1]): match[2] for match in rows if match}
+
+
+STATUS_TEXTS = _status_texts()
+
+
+def shell_status(status):
+    """What a shell sees: eight bits, which are never 0 for a failure."""
+    return status % 256 or (255 if status else 0)
+
+
+def status_line(code, sentence=None):
+    sentence = sentence or STATUS_TEXTS.get(code) or UNKNOWN_STATUS.format(code)
+    return f"Exit Status {code}: {sentence}\n"
+
+
+@dataclass
+class Outcome:
+    """What comes of a run. `reply` stands for a standard output that is this value as JSON."""
+
+    status: int = 0
+    stdout: bytes = b""
+    stderr: bytes = b""
+    reply: object = None
+
+
+class Failure(Exception):
+    """Ends a run with a status and its line on standard error."""
+
+    def __init__(self, status, sentence=None):
+        super().__init__(status)
+        self.status = status
+        self.stderr = status_line(status, sentence)
+
+
+class ToolModel:
+    """`usages` has the usage text of every operation by its long name, and the help under None."""
+
+    def __init__(self, hosts, usages, own_host_id):
+        self.hosts = hosts
+        self._usages = usages
+        self._own_host_id = own_host_id
+        self._printed = ""
+
+    def run(self, arguments, stdin=b""):
+        """The outcome of a run, after which the model of the hosts has changed as it should."""
+        self._printed = ""
+        try:
+            command = line.parse(arguments)
+            if command is None:
+                return Outcome(stdout=self._usages[None])
+            outcome = self._perform(command, stdin)
+        except line.Usage as usage:
+            return self._usage(usage)
+        except Failure as failure:
+            outcome = Outcome(failure.status, stderr=failure.stderr.encode())
+        outcome.stdout = outcome.stdout or self._printed.encode(errors="surrogateescape")
+        return outcome
+
+    def _usage(self, usage):
+        printed = self._usages[usage.operation]
+        if usage.text is None:
+            return Outcome(stdout=printed)
+        return Outcome(144, printed, usage.text + b"\n")
+
+    def _perform(self, command, stdin):
+        if command.operation == "list":
+            return self._list(command)
+        if command.operation == "addhost":
+            if not self._confirmed(stdin):
+                return Outcome()
+            host_id = None
+        else:
+            host_id = self._host_id(command)
+        changes = {
+            "add": self._add, "delete": self._delete, "addcomment": self._comment,
+            "deletecomment": self._comment, "allowautoreissuecert": self._reissue,
+            "addhost": self._add_host, "updatehost": self._update_host,
+        }  # fmt: skip
+        changes[command.operation](command, host_id)
+        return Outcome()
+
+    def _print(self, sentence):
+        self._printed += sentence + "\n"
+
+    def _host_id(self, command):
+        if command.given(line.HOST_ID):
+            return text(command.value(line.HOST_ID))
+        found = self.hosts.lookup(text(command.value(line.HOST)))
+        if not found:
+            raise Failure(8701)
+        if len(found) > 1:
+            raise Failure(8900, AMBIGUOUS)
+        return found[0]["uuid"]
+
+    def _send(self, command, method, suffix, body=None):
+        """The status of a request that succeeds."""
+        target = f"{COLLECTION}/{suffix}"
+        if NOT_SENDABLE.search(target):
+            raise Failure(7627)
+        reason = text(command.value(line.REASON))
+        status, code = self.hosts.change(method, target, body, reason)
+        if code == 0:
+            return status
+        if method == "DELETE" and code == 8701:
+            raise Failure(8901, NO_SUCH_MAPPING)
+        raise Failure(code)
+
+    def _add(self, command, host_id):
+        name = command.value(line.MAPPING)
+        resource = f"{host_id}/hostmappings/{encoded(name)}"
+        status = self._send(command, "PUT", resource, {"isShared": command.given(line.SHARED)})
+        if status == 201:
+            self._print(f"{text(name)} is successfully mapped to {host_id}.")
+        else:
+            self._print(f"{text(name)} is successfully updated.")
+
+    def _delete(self, command, host_id):
+        name = command.value(line.MAPPING)
+        self._send(command, "DELETE", f"{host_id}/hostmappings/{encoded(name)}")
+        self._print(f"Mapping between {text(name)} and {host_id} is removed.")
+
+    def _comment(self, command, host_id):
+        comment = text(command.value(line.COMMENT))
+        adds = command.operation == "addcomment"
+        if adds and not comment.strip(" "):
+            raise line.Usage(command.operation, line.MISSING_VALUE, "comment")
+        self._send(command, "PUT", f"{host_id}/comment", {"comment": comment})
+        done = "added" if adds else "removed"
+        self._print(f"Comment for {host_id} is successfully {done}.")
+
+    def _reissue(self, command, host_id):
+        allowed = line.number(command.value(line.REISSUE)) == 1
+        self._send(command, "PATCH", host_id, {"autoReissue": allowed})
+        explanation, result = REISSUE_TEXTS[allowed]
+        self._print(explanation)
+        self._print(result.format(host_id))
+
+    def _update_host(self, command, host_id):
+        name = text(command.value(line.NEW_NAME))
+        self._send(command, "PATCH", host_id, {"hostName": name})
+        self._print(f"The primary host name is updated for {host_id}")
+
+    def _add_host(self, command, _):
+        name = text(command.value(line.HOST))
+        self._send(command, "POST", "", {"hostName": name})
+        self._print(f"The host {name} is added in the host database")
+
+    def _confirmed(self, stdin):
+        """Asks until there is an answer; the end of the input is a yes to all but a no."""
+        self._printed = WARNING + PROMPT
+        *lines, last = stdin.split(b"\n")
+        for answer in lines:
+            if answer.lower() in (b"y", b"yes", b"n", b"no"):
+                return answer.lower() in (b"y", b"yes")
+            self._printed += PROMPT_AGAIN
+        return last.lower() not in (b"n", b"no")
+
+    def _list(self, command):
+        if command.given(line.HOST_ID):
+            return self._list_one(command)
+        if command.given(line.OWN):
+            own = self.hosts.record(self.hosts.host(self._own_host_id), _is_approved)
+            if command.given(line.SHORT):
+                return Outcome(stdout=listing_model.short_names(own, "").encode())
+            return Outcome(reply=own)
+        records = self._listed(command)
+        if not records and command.given(line.HOST):
+            raise Failure(8902, NO_MAPPINGS)
+        if not records:
+            return Outcome(stdout=NOTHING_FOUND.encode())
+        if command.given(line.SHORT):
+            return Outcome(stdout=listing_model.short_hosts(records).encode())
+        return Outcome(reply={"hosts": records})
+
+    def _list_one(self, command):
+        target = f"{COLLECTION}/{text(command.value(line.HOST_ID))}"
+        if NOT_SENDABLE.search(target):
+            raise Failure(7627)
+        try:
+            record = self.hosts.get_host(target)
+        except Refused as refused:
+            raise Failure(refused.code) from None
+        if command.given(line.SHORT):
+            return Outcome(stdout=listing_model.short_hosts([record]).encode())
+        return Outcome(reply=record)
+
+    def _listed(self, command):
+        if command.given(line.HOST):
+            found = self.hosts.lookup(text(command.value(line.HOST)))
+            return [self.hosts.record(host) for host in found]
+        if command.given(line.APPROVED):
+            return self.hosts.hosts_with(_is_approved)
+        if command.given(line.PENDING):
+            return self.hosts.hosts_with(lambda mapping: mapping.get("isApproved") is False)
+        if command.given(line.CONFLICT):
+            return self.hosts.hosts_with(lambda mapping: mapping.get("isConflicting") is True)
+        return self.hosts.records()
+
+
+def encoded(name):
+    return urllib.parse.quote(name, safe="")
+
+
+def _is_approved(mapping):
+    return mapping.get("isApproved") is True
