@@ -97,7 +97,8 @@ class Sandbox:
         """The lines of the debug log, without a final empty one."""
         logs = sorted((self.folder / "logs/admin").glob("admin.*.log"))
         text = b"".join(log.read_bytes() for log in logs if log.is_file() and not log.is_symlink())
-        return text.decode("utf-8", "backslashreplace").splitlines()
+        lines = text.decode("utf-8", "backslashreplace").split("\n")
+        return lines if lines[-1] else lines[:-1]
 
 
 class Stream:
