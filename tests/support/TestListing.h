@@ -1,10 +1,8 @@
 #pragma once
 
 #include "hostmgmt/AkHostMgmtList.h"
-#include "support/CommandLine.h"
 #include "support/FakeClient.h"
-#include "support/LogLines.h"
-#include "support/Streams.h"
+#include "support/TestChange.h"
 
 #include <string>
 #include <vector>
@@ -20,18 +18,7 @@ struct Listing {
 
 /// Runs `-list` with further options against one scripted reply.
 inline Listing listWith(std::vector<std::string> options, const support::FakeReply& reply) {
-    options.insert(options.begin(), {"-list", "-server", "p"});
-    support::FakeClient client({reply});
-    LogLines lines;
-    AkHostMgmtList operation(parsed(options), lines.log);
-    Listing listing;
-    const Printed printed = printedBy([&] {
-        operation.checkArguments();
-        listing.result = operation.execute();
-    });
-    listing.out = printed.out;
-    listing.err = printed.err;
-    listing.request = client.requests.at(0);
-    listing.log = LogLines::lines();
-    return listing;
+    options.insert(options.begin(), "-list");
+    const Change run = change<AkHostMgmtList>(options, {reply});
+    return {run.result, run.out, run.err, run.requests.at(0), run.log};
 }
