@@ -18,16 +18,14 @@ import time
 import traceback
 from datetime import datetime, timezone
 
-import command_line_model
 import listing_model
 import local_server
 from host_model import HostModel, audit_table, differences, settle
 from random_operations import RandomOperations
-from tool_model import ToolModel, shell_status
+from tool_model import ToolModel, shell_status, usages
 
 PARTS = 4
 INTERVAL = 100
-OWN_HOST_ID = "0a0aa0a0-0000-0aa0-aa00-000a0a00a0a0"
 RETURN_VALUE = re.compile(r"Return value is: (-?\d+)")
 WHEN = "%Y-%m-%dT%H:%M:%S.%fZ"
 
@@ -78,13 +76,9 @@ class Part:
 
     def _prepare(self, server):
         server.logs.mkdir(parents=True)
-        usages = {None: server.run("-help").stdout}
-        for operation, _ in command_line_model.OPERATIONS:
-            usages[operation] = server.run("-" + operation, "-help").stdout
-        expect("different usages", len(command_line_model.OPERATIONS) + 1, len({*usages.values()}))
         hosts = json.loads(server.listing("-json_compact"))["hosts"]
         self._hosts = HostModel(hosts, server.address)
-        self._tool = ToolModel(self._hosts, usages, OWN_HOST_ID)
+        self._tool = ToolModel(self._hosts, usages(server.run))
         logins = json.loads((server.root / "config" / "arkeon" / "logins.json").read_text())
         self._token = logins["logins"][0]["token"]
         self._take_log(server)

@@ -10,6 +10,7 @@ import listing_model
 from host_model import COLLECTION, Refused, text
 
 STATUS_PAGE = pathlib.Path(__file__).resolve().parents[2] / "docs" / "statuses.md"
+OWN_HOST_ID = "0a0aa0a0-0000-0aa0-aa00-000a0a00a0a0"
 UNKNOWN_STATUS = "The operation failed with status {}; the server's documentation may explain \
 this code."
 NOT_SENDABLE = re.compile("[\0-\x20\x7f]")
@@ -67,21 +68,24 @@ class Outcome:
 
 
 class Failure(Exception):
-    """Ends a run with a status and its line on standard error."""
+    """Ends a run with a status and its line on standard error, or the whole of what stands there.
 
-    def __init__(self, status, sentence=None):
+    A login that is refused is asked for before.
+    """
+
+    def __init__(self, status, sentence=None, stderr=None):
         super().__init__(status)
         self.status = status
-        self.stderr = status_line(status, sentence)
+        login = LOGIN_NEEDED if status in (117, 118) else ""
+        self.stderr = login + status_line(status, sentence) if stderr is None else stderr
 
 
 class ToolModel:
-    """`usages` has the usage text of every operation by its long name, and the help under None."""
+    """`known_usages` is what `usages` gives."""
 
-    def __init__(self, hosts, usages, own_host_id):
+    def __init__(self, hosts, known_usages):
         self.hosts = hosts
-        self._usages = usages
-        self._own_host_id = own_host_id
+        self._usages = known_usages
         self._printed = ""
 
     def run(self, arguments, stdin=b""):
@@ -136,7 +140,7 @@ class ToolModel:
         return found[0]["uuid"]
 
     def _send(self, command, method, suffix, body=None):
-        """The status of a request that succeeds."""
+        """The HTTP status of a request that succeeds."""
         target = f"{COLLECTION}/{suffix}"
         if NOT_SENDABLE.search(target):
             raise Failure(7627)
@@ -152,10 +156,10 @@ class ToolModel:
         name = command.value(line.MAPPING)
         resource = f"{host_id}/hostmappings/{encoded(name)}"
         status = self._send(command, "PUT", resource, {"isShared": command.given(line.SHARED)})
-        if status == 201:
-            self._print(f"{text(name)} is successfully mapped to {host_id}.")
-        else:
-            self._print(f"{text(name)} is successfully updated.")
+        self._print({
+            201: f"{text(name)} is successfully mapped to {host_id}.",
+            200: f"{text(name)} is successfully updated.",
+        }.get(status, ""))  # fmt: skip
 
     def _delete(self, command, host_id):
         name = command.value(line.MAPPING)
@@ -167,26 +171,28 @@ class ToolModel:
         adds = command.operation == "addcomment"
         if adds and not comment.strip(" "):
             raise line.Usage(command.operation, line.MISSING_VALUE, "comment")
-        self._send(command, "PUT", f"{host_id}/comment", {"comment": comment})
+        status = self._send(command, "PUT", f"{host_id}/comment", {"comment": comment})
         done = "added" if adds else "removed"
-        self._print(f"Comment for {host_id} is successfully {done}.")
+        self._print(f"Comment for {host_id} is successfully {done}." if status == 200 else "")
 
     def _reissue(self, command, host_id):
         allowed = line.number(command.value(line.REISSUE)) == 1
-        self._send(command, "PATCH", host_id, {"autoReissue": allowed})
-        explanation, result = REISSUE_TEXTS[allowed]
+        status = self._send(command, "PATCH", host_id, {"autoReissue": allowed})
+        explanation, result = REISSUE_TEXTS[allowed] if status in (200, 204) else ("", "")
         self._print(explanation)
         self._print(result.format(host_id))
 
     def _update_host(self, command, host_id):
         name = text(command.value(line.NEW_NAME))
-        self._send(command, "PATCH", host_id, {"hostName": name})
-        self._print(f"The primary host name is updated for {host_id}")
+        status = self._send(command, "PATCH", host_id, {"hostName": name})
+        done = f"The primary host name is updated for {host_id}"
+        self._print(done if status in (200, 204) else "")
 
     def _add_host(self, command, _):
         name = text(command.value(line.HOST))
-        self._send(command, "POST", "", {"hostName": name})
-        self._print(f"The host {name} is added in the host database")
+        status = self._send(command, "POST", "", {"hostName": name})
+        done = f"The host {name} is added in the host database"
+        self._print(done if status in (200, 201) else "")
 
     def _confirmed(self, stdin):
         """Asks until there is an answer; the end of the input is a yes to all but a no."""
@@ -202,7 +208,7 @@ class ToolModel:
         if command.given(line.HOST_ID):
             return self._list_one(command)
         if command.given(line.OWN):
-            own = self.hosts.record(self.hosts.host(self._own_host_id), _is_approved)
+            own = self.hosts.record(self.hosts.host(OWN_HOST_ID), _is_approved)
             if command.given(line.SHORT):
                 return Outcome(stdout=listing_model.short_names(own, "").encode())
             return Outcome(reply=own)
@@ -238,6 +244,15 @@ class ToolModel:
         if command.given(line.CONFLICT):
             return self.hosts.hosts_with(lambda mapping: mapping.get("isConflicting") is True)
         return self.hosts.records()
+
+
+def usages(run):
+    """The usage of every operation and the help, as the tool itself shows them."""
+    found = {None: run("-help").stdout}
+    for operation, _ in line.OPERATIONS:
+        found[operation] = run("-" + operation, "-help").stdout
+    assert len(set(found.values())) == len(found)
+    return found
 
 
 def encoded(name):
