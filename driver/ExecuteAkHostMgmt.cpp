@@ -8,6 +8,7 @@
 #include "cmdframework/Usagecmd.h"
 #include "driver/ArgumentCopy.h"
 #include "driver/Operations.h"
+#include "hostmgmt/Messages.h"
 #include "hostmgmt/OptionNames.h"
 
 #include <array>
@@ -20,7 +21,6 @@ using arkeon::Console;
 
 namespace {
 
-constexpr const char* programName = "akhostmgmt";
 constexpr const char* logDirectory = "/usr/zelvik/arkeon/logs";
 constexpr const char* loggingSubDirectory = "admin";
 
@@ -51,7 +51,7 @@ void printHelp() {
     Console& console = Console::standard();
     console.write(text(messages::usageHeading) + "\n");
     printSynopses();
-    console.write(text(helpSynopsis, programName) + "\n\n");
+    console.write(text(helpSynopsis, commandName) + "\n\n");
     console.write(text(description) + "\n");
     console.write(text(operationHelpHint) + "\n");
 }
@@ -120,7 +120,7 @@ int execute_akhostmgmt_in(const char* directory, int argc, char** argv) {
     std::unique_ptr<CBasecmd> operation;
     try {
         char** copy = copyArguments(argc, argv, strdup);
-        commandLog.init(directory, programName, loggingSubDirectory, nullptr);
+        commandLog.init(directory, commandName, loggingSubDirectory, nullptr);
         const CArgscmd args(argc, copy);
         if (isTopLevelHelp(argc, args)) {
             printHelp();

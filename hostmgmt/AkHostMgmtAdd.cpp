@@ -75,9 +75,9 @@ int AkHostMgmtAdd::execute() {
 void AkHostMgmtAdd::printMessageString(int httpCode) {
     const std::string mappingName = valueOf(option::mappingname);
     std::string text;
-    if (httpCode == 201) {
+    if (httpCode == httpStatus::created) {
         text = messageText(mappingAdded, mappingName.c_str(), resolvedHostId.c_str());
-    } else if (httpCode == 200) {
+    } else if (httpCode == httpStatus::ok) {
         text = messageText(mappingUpdated, mappingName.c_str());
     }
     announce(text);

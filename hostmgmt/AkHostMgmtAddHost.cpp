@@ -116,7 +116,7 @@ int AkHostMgmtAddHost::addHost() {
 }
 
 void AkHostMgmtAddHost::printMessageString(int httpCode) {
-    const bool added = httpCode == 200 || httpCode == 201;
+    const bool added = httpCode == httpStatus::ok || httpCode == httpStatus::created;
     announce(added ? messageText(hostAdded, addedHostName.c_str()) : "");
 }
 

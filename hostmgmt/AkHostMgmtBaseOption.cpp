@@ -9,9 +9,8 @@
 AkHostMgmtBaseOption::AkHostMgmtBaseOption(
     const char* newName, CArgscmd newArgs, const PARAMETERS* table, unsigned long count,
     CLogcmd& commandLog)
-    : CBasecmd(newName, std::move(newArgs), table, count), payload(json_object()) {
-    operationLog = commandLog;
-}
+    : CBasecmd(newName, std::move(newArgs), table, count), operationLog(commandLog),
+      payload(json_object()) {}
 
 AkHostMgmtBaseOption::~AkHostMgmtBaseOption() = default;
 

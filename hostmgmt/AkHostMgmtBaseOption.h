@@ -58,7 +58,7 @@ public:
     /// @param response receives the reply's body, `httpCode` its status; untouched when there was
     ///        no reply
     /// @return 0, the client's status, or the code of the server's error reply (7610 when that has
-    ///         none)
+    ///         none); 8901 for a DELETE of a name that the server does not know
     int sendRequest(
         OperationType operation, CurlRequestType method, const std::string& body, const char* name,
         const char* hostId, std::string& response, int& httpCode, LoginType login);
@@ -107,7 +107,7 @@ protected:
     [[noreturn]] void refuse(usageExceptions code, const std::string& text) const;
     /// @}
 
-    /// The limits of what a server takes, in bytes.
+    /// The limits of the rules, in bytes.
     static constexpr std::size_t longestHostName = 1024;
     static constexpr std::size_t longestMappingName = 1024;
     static constexpr std::size_t longestReason = 512;

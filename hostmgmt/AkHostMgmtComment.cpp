@@ -131,10 +131,11 @@ std::string AkHostMgmtComment::newComment() const {
 
 void AkHostMgmtComment::printMessageString(int httpCode) {
     std::string text;
-    if (httpCode == 200) {
+    if (httpCode == httpStatus::ok) {
         text = messageText(isAddComment ? commentAdded : commentRemoved, resolvedHostId.c_str());
     }
     announce(text);
+    // At once, for whoever waits for this line.
     arkeon::Console::standard().flush();
 }
 

@@ -111,7 +111,7 @@ int AkHostMgmtList::execute() {
     const int result = sendRequest(
         query.operation, CURL_GET, "", query.hostName.c_str(), query.hostId.c_str(), response,
         httpCode, query.login);
-    if (result != 0 || httpCode != 200) {
+    if (result != 0 || httpCode != httpStatus::ok) {
         return result;
     }
     if (isGiven(option::hostid) || ownMappings) {

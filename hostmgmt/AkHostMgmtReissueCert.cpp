@@ -91,7 +91,7 @@ bool AkHostMgmtReissueCert::isWanted() const {
 void AkHostMgmtReissueCert::printMessageString(int httpCode) {
     std::string meaning;
     std::string outcome;
-    if (httpCode == 200 || httpCode == 204) {
+    if (httpCode == httpStatus::ok || httpCode == httpStatus::noContent) {
         meaning = messageText(isWanted() ? whatEnablingMeans : whatDisablingMeans);
         outcome = messageText(isWanted() ? enabled : disabled, resolvedHostId.c_str());
     }

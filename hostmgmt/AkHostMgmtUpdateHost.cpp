@@ -40,7 +40,7 @@ AkHostMgmtUpdateHost::AkHostMgmtUpdateHost(CArgscmd newArgs, CLogcmd& commandLog
               topLevelAkHostMgmtOptions::updatehost_alias),
           newArgs, paramList, std::size(paramList), commandLog) {}
 
-// Unlike everywhere else, the reason may have any length.
+// Only -add and -delete limit the reason.
 void AkHostMgmtUpdateHost::checkArguments() {
     CBasecmd::checkArguments();
     rejectHelpAlias();
@@ -70,7 +70,7 @@ int AkHostMgmtUpdateHost::execute() {
 }
 
 void AkHostMgmtUpdateHost::printMessageString(int httpCode) {
-    const bool updated = httpCode == 200 || httpCode == 204;
+    const bool updated = httpCode == httpStatus::ok || httpCode == httpStatus::noContent;
     announce(updated ? messageText(hostUpdated, resolvedHostId.c_str()) : "");
 }
 

@@ -90,7 +90,7 @@ int AkHostMgmtBaseOption::getUuid(std::string& hostId) {
     if (result != 0) {
         return failLookup(result);
     }
-    if (httpCode != 200) {
+    if (httpCode != httpStatus::ok) {
         long errorCode = 0;
         logErrorMessage(reply, errorCode);
         // Without a host ID there is nothing to go on with, whatever the server calls it.

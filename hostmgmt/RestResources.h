@@ -35,6 +35,15 @@ enum LoginType : int {
     HOST_CERTIFICATE = 1,  ///< with the local host's certificate alone
 };
 
+/// The HTTP statuses that a change or a query may end well with (RFC 9110, section 15.3).
+namespace httpStatus {
+
+inline constexpr int ok = 200;
+inline constexpr int created = 201;
+inline constexpr int noContent = 204;
+
+}  // namespace httpStatus
+
 /// The version of the server's interface that every request asks for.
 inline constexpr const char* MAX_VERSION = "6.0";
 

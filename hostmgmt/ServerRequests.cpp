@@ -24,7 +24,8 @@ constexpr int clusterCertificateType = 2;
 bool isSuccess(CurlRequestType method, int httpCode) {
     // A 204 to a PUT, POST or GET is a failure: these have something to say.
     const bool mayBeEmpty = method == CURL_DELETE || method == CURL_PATCH;
-    return httpCode == 200 || httpCode == 201 || (httpCode == 204 && mayBeEmpty);
+    return httpCode == httpStatus::ok || httpCode == httpStatus::created ||
+           (httpCode == httpStatus::noContent && mayBeEmpty);
 }
 
 int callClient(
