@@ -90,7 +90,7 @@ class Part:
             arguments, stdin = source.next()
             words = (os.fsdecode(each) for each in arguments)
             self._done = f"operation {number}: akhostmgmt {shlex.join(words)} <<< {stdin!r}"
-            self._done = self._done.encode(errors="backslashreplace").decode()
+            self._done = os.fsencode(self._done).decode(errors="backslashreplace")
             self._perform(server, arguments, stdin)
             if number % INTERVAL == 0:
                 self._compare(server)
