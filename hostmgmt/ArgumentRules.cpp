@@ -3,6 +3,16 @@
 #include "arkeon/text.h"
 #include "hostmgmt/AkHostMgmtBaseOption.h"
 
+namespace {
+
+CUsagecmd failureWithText(usageExceptions code, const std::string& text) {
+    CUsagecmd failure(code);
+    failure.SetUsagemessage(text.c_str());
+    return failure;
+}
+
+}  // namespace
+
 const char* nameOrAlias(const CArgscmd& args, const char* name, const char* alias) {
     return args.exists(name) ? name : alias;
 }
@@ -21,9 +31,7 @@ unsigned int AkHostMgmtBaseOption::numberOf(OptionName option) const {
 
 void AkHostMgmtBaseOption::refuse(usageExceptions code, const std::string& text) const {
     operationLog.logit(text, logLevel::ordinary);
-    CUsagecmd failure(code);
-    failure.SetUsagemessage(text.c_str());
-    throw failure;
+    throw failureWithText(code, text);
 }
 
 // The long name is the framework's business.
