@@ -5,7 +5,6 @@
 #include "cmdframework/CaseInsensitive.h"
 
 #include <iterator>
-#include <string_view>
 
 using arkeon::Console;
 
@@ -45,10 +44,11 @@ constexpr CatalogueText declined = catalogued("SmeHmm0061N", "Exiting as 'n' or 
 constexpr CatalogueText confirmed =
     catalogued("SmeHmm0062N", "Continuing as 'y' or 'yes' is entered.");
 
-bool isOneOf(const std::string& answer, std::string_view word, std::string_view letter) {
-    // Sizes first: a line may hold a NUL byte, where a comparison would end.
-    return (answer.size() == word.size() && equalIgnoringCase(answer, std::string(word))) ||
-           (answer.size() == letter.size() && equalIgnoringCase(answer, std::string(letter)));
+bool isOneOf(const std::string& answer, const char* word, const char* letter) {
+    // A line may hold a NUL byte, where a comparison would end.
+    return answer.find('\0') == std::string::npos &&
+           (compareIgnoringCase(answer.c_str(), word) == 0 ||
+            compareIgnoringCase(answer.c_str(), letter) == 0);
 }
 
 }  // namespace
@@ -116,8 +116,11 @@ int AkHostMgmtAddHost::addHost() {
 }
 
 void AkHostMgmtAddHost::printMessageString(int httpCode) {
-    const bool added = httpCode == httpStatus::ok || httpCode == httpStatus::created;
-    announce(added ? messageText(hostAdded, addedHostName.c_str()) : "");
+    std::string text;
+    if (httpCode == httpStatus::ok || httpCode == httpStatus::created) {
+        text = messageText(hostAdded, addedHostName.c_str());
+    }
+    announce(text);
 }
 
 void AkHostMgmtAddHost::printHelp() {

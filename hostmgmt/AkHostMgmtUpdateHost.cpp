@@ -70,8 +70,11 @@ int AkHostMgmtUpdateHost::execute() {
 }
 
 void AkHostMgmtUpdateHost::printMessageString(int httpCode) {
-    const bool updated = httpCode == httpStatus::ok || httpCode == httpStatus::noContent;
-    announce(updated ? messageText(hostUpdated, resolvedHostId.c_str()) : "");
+    std::string text;
+    if (httpCode == httpStatus::ok || httpCode == httpStatus::noContent) {
+        text = messageText(hostUpdated, resolvedHostId.c_str());
+    }
+    announce(text);
 }
 
 void AkHostMgmtUpdateHost::printHelp() {
