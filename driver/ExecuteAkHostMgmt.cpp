@@ -57,8 +57,7 @@ void printHelp() {
 }
 
 bool isTopLevelHelp(int argc, const CArgscmd& args) {
-    using namespace topLevelAkHostMgmtOptions;
-    return argc == 2 && (args.exists(help) || args.exists(help_alias));
+    return argc == 2 && isOn(args, operation::help);
 }
 
 // The exit status of a usage failure, 0 where help was asked for. Whether it was is told from the

@@ -11,10 +11,9 @@
 
 namespace {
 
-/// One operation: the options that choose it and the class that performs it.
+/// One operation: the option that chooses it and the class that performs it.
 struct Operation {
-    const char* name;
-    const char* alias;
+    OptionName option;
     std::unique_ptr<CBasecmd> (*make)(const CArgscmd& args, CLogcmd& log);
 };
 
@@ -23,18 +22,16 @@ std::unique_ptr<CBasecmd> make(const CArgscmd& args, CLogcmd& log) {
     return std::make_unique<Class>(args, log);
 }
 
-using namespace topLevelAkHostMgmtOptions;
-
 // Tested from the top.
 constexpr Operation operations[] = {
-    {add, add_alias, make<AkHostMgmtAdd>},
-    {delete_cmd, delete_alias, make<AkHostMgmtDelete>},
-    {lst, list_alias, make<AkHostMgmtList>},
-    {addcomment, addcomment_alias, make<AkHostMgmtComment>},
-    {deletecomment, deletecomment_alias, make<AkHostMgmtComment>},
-    {setautoreissuecert, setautoreissuecert_alias, make<AkHostMgmtReissueCert>},
-    {addhost, addhost_alias, make<AkHostMgmtAddHost>},
-    {updatehost, updatehost_alias, make<AkHostMgmtUpdateHost>},
+    {operation::add, make<AkHostMgmtAdd>},
+    {operation::delete_cmd, make<AkHostMgmtDelete>},
+    {operation::lst, make<AkHostMgmtList>},
+    {operation::addcomment, make<AkHostMgmtComment>},
+    {operation::deletecomment, make<AkHostMgmtComment>},
+    {operation::setautoreissuecert, make<AkHostMgmtReissueCert>},
+    {operation::addhost, make<AkHostMgmtAddHost>},
+    {operation::updatehost, make<AkHostMgmtUpdateHost>},
 };
 
 // In the order of the top-level help.
@@ -47,9 +44,9 @@ constexpr void (*synopses[])() = {
 }  // namespace
 
 std::unique_ptr<CBasecmd> chooseOperation(const CArgscmd& args, CLogcmd& log) {
-    for (const Operation& operation : operations) {
-        if (args.exists(operation.name) || args.exists(operation.alias)) {
-            return operation.make(args, log);
+    for (const Operation& row : operations) {
+        if (isOn(args, row.option)) {
+            return row.make(args, log);
         }
     }
     throw CUsagecmd(invalidOption);

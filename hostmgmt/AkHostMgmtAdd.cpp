@@ -39,9 +39,8 @@ constexpr CatalogueText mappingUpdated = catalogued("SmeHmm0005N", "%s is succes
 
 AkHostMgmtAdd::AkHostMgmtAdd(CArgscmd newArgs, CLogcmd& commandLog)
     : AkHostMgmtBaseOption(
-          nameOrAlias(
-              newArgs, topLevelAkHostMgmtOptions::add, topLevelAkHostMgmtOptions::add_alias),
-          newArgs, paramList, std::size(paramList), commandLog) {}
+          nameOrAlias(newArgs, operation::add), newArgs, paramList, std::size(paramList),
+          commandLog) {}
 
 void AkHostMgmtAdd::checkArguments() {
     CBasecmd::checkArguments();

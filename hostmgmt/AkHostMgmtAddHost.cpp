@@ -55,10 +55,8 @@ bool isOneOf(const std::string& answer, const char* word, const char* letter) {
 
 AkHostMgmtAddHost::AkHostMgmtAddHost(CArgscmd newArgs, CLogcmd& commandLog)
     : AkHostMgmtBaseOption(
-          nameOrAlias(
-              newArgs, topLevelAkHostMgmtOptions::addhost,
-              topLevelAkHostMgmtOptions::addhost_alias),
-          newArgs, paramList, std::size(paramList), commandLog) {}
+          nameOrAlias(newArgs, operation::addhost), newArgs, paramList, std::size(paramList),
+          commandLog) {}
 
 void AkHostMgmtAddHost::checkArguments() {
     CBasecmd::checkArguments();

@@ -157,10 +157,6 @@ private:
     void showStatus(int code, const std::string& text) const;
 };
 
-/// The name of an operation as its object bears it: `name` when that is on the command line, else
-/// `alias`.
-const char* nameOrAlias(const CArgscmd& args, const char* name, const char* alias);
-
 /// Whether a status says that the user has to log in first.
 bool isLoginFailure(int status);
 

@@ -56,13 +56,8 @@ constexpr CatalogueText commentRemoved =
     catalogued("SmeHmm0047N", "Comment for %s is successfully removed.");
 
 const char* nameIn(const CArgscmd& args) {
-    using namespace topLevelAkHostMgmtOptions;
-    for (const char* name : {addcomment, addcomment_alias, deletecomment}) {
-        if (args.exists(name)) {
-            return name;
-        }
-    }
-    return deletecomment_alias;
+    return nameOrAlias(
+        args, isOn(args, operation::addcomment) ? operation::addcomment : operation::deletecomment);
 }
 
 std::string flagLine(const char* label, bool flag) {

@@ -35,10 +35,8 @@ constexpr CatalogueText mappingRemoved =
 
 AkHostMgmtDelete::AkHostMgmtDelete(CArgscmd newArgs, CLogcmd& commandLog)
     : AkHostMgmtBaseOption(
-          nameOrAlias(
-              newArgs, topLevelAkHostMgmtOptions::delete_cmd,
-              topLevelAkHostMgmtOptions::delete_alias),
-          newArgs, paramList, std::size(paramList), commandLog) {}
+          nameOrAlias(newArgs, operation::delete_cmd), newArgs, paramList, std::size(paramList),
+          commandLog) {}
 
 void AkHostMgmtDelete::checkArguments() {
     CBasecmd::checkArguments();

@@ -65,9 +65,8 @@ struct AkHostMgmtList::Query {
 
 AkHostMgmtList::AkHostMgmtList(CArgscmd newArgs, CLogcmd& commandLog)
     : AkHostMgmtBaseOption(
-          nameOrAlias(
-              newArgs, topLevelAkHostMgmtOptions::lst, topLevelAkHostMgmtOptions::list_alias),
-          newArgs, paramList, std::size(paramList), commandLog) {}
+          nameOrAlias(newArgs, operation::lst), newArgs, paramList, std::size(paramList),
+          commandLog) {}
 
 void AkHostMgmtList::checkArguments() {
     CBasecmd::checkArguments();

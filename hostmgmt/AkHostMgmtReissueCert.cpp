@@ -51,10 +51,8 @@ constexpr CatalogueText disabled =
 
 AkHostMgmtReissueCert::AkHostMgmtReissueCert(CArgscmd newArgs, CLogcmd& commandLog)
     : AkHostMgmtBaseOption(
-          nameOrAlias(
-              newArgs, topLevelAkHostMgmtOptions::setautoreissuecert,
-              topLevelAkHostMgmtOptions::setautoreissuecert_alias),
-          newArgs, paramList, std::size(paramList), commandLog) {}
+          nameOrAlias(newArgs, operation::setautoreissuecert), newArgs, paramList,
+          std::size(paramList), commandLog) {}
 
 void AkHostMgmtReissueCert::checkArguments() {
     CBasecmd::checkArguments();

@@ -35,10 +35,8 @@ constexpr CatalogueText hostUpdated =
 
 AkHostMgmtUpdateHost::AkHostMgmtUpdateHost(CArgscmd newArgs, CLogcmd& commandLog)
     : AkHostMgmtBaseOption(
-          nameOrAlias(
-              newArgs, topLevelAkHostMgmtOptions::updatehost,
-              topLevelAkHostMgmtOptions::updatehost_alias),
-          newArgs, paramList, std::size(paramList), commandLog) {}
+          nameOrAlias(newArgs, operation::updatehost), newArgs, paramList, std::size(paramList),
+          commandLog) {}
 
 // Only -add and -delete limit the reason.
 void AkHostMgmtUpdateHost::checkArguments() {

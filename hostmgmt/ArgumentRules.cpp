@@ -13,20 +13,16 @@ CUsagecmd failureWithText(usageExceptions code, const std::string& text) {
 
 }  // namespace
 
-const char* nameOrAlias(const CArgscmd& args, const char* name, const char* alias) {
-    return args.exists(name) ? name : alias;
-}
-
 bool AkHostMgmtBaseOption::isGiven(OptionName option) const {
-    return args.exists(option.name) || args.exists(option.alias);
+    return isOn(args, option);
 }
 
 std::string AkHostMgmtBaseOption::valueOf(OptionName option) const {
-    return args.argValue(nameOrAlias(args, option.name, option.alias));
+    return args.argValue(nameOrAlias(args, option));
 }
 
 unsigned int AkHostMgmtBaseOption::numberOf(OptionName option) const {
-    return args.numericValue(nameOrAlias(args, option.name, option.alias));
+    return args.numericValue(nameOrAlias(args, option));
 }
 
 void AkHostMgmtBaseOption::refuse(usageExceptions code, const std::string& text) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cmdframework/Argscmd.h"
 #include "cmdframework/Parameterscmd.h"
 
 /// The options of the command line, without their leading "-".
@@ -70,12 +71,31 @@ inline constexpr const char* apvmappings_alias = "am";
 
 }  // namespace individualAkHostMgmtCommandOptions
 
-/// An option with both its names, as the operations' rules speak of it.
+/// An option with both its names.
 struct OptionName {
     const char* name;
     const char* alias;
 };
 
+/// The operations as the driver's table and their own classes speak of them.
+namespace operation {
+
+namespace names = topLevelAkHostMgmtOptions;
+
+inline constexpr OptionName help{names::help, names::help_alias};
+inline constexpr OptionName add{names::add, names::add_alias};
+inline constexpr OptionName delete_cmd{names::delete_cmd, names::delete_alias};
+inline constexpr OptionName lst{names::lst, names::list_alias};
+inline constexpr OptionName addcomment{names::addcomment, names::addcomment_alias};
+inline constexpr OptionName deletecomment{names::deletecomment, names::deletecomment_alias};
+inline constexpr OptionName setautoreissuecert{
+    names::setautoreissuecert, names::setautoreissuecert_alias};
+inline constexpr OptionName addhost{names::addhost, names::addhost_alias};
+inline constexpr OptionName updatehost{names::updatehost, names::updatehost_alias};
+
+}  // namespace operation
+
+/// The other options as the operations' rules speak of them.
 namespace option {
 
 namespace names = individualAkHostMgmtCommandOptions;
@@ -104,4 +124,14 @@ inline constexpr OptionName apvmappings{names::apvmappings, names::apvmappings_a
 /// needs is a rule of its own.
 inline PARAMETERS optionRow(std::uint32_t id, OptionName option, parameterTypes type) {
     return {id, option.name, option.alias, 0, type};
+}
+
+/// Whether an option is on the command line, by either name.
+inline bool isOn(const CArgscmd& args, OptionName option) {
+    return args.exists(option.name) || args.exists(option.alias);
+}
+
+/// The option's name when that is on the command line, else its alias.
+inline const char* nameOrAlias(const CArgscmd& args, OptionName option) {
+    return args.exists(option.name) ? option.name : option.alias;
 }
