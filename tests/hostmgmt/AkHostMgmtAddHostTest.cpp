@@ -154,12 +154,9 @@ TEST(AddHostResult, OfAnyOtherStatusIsAnEmptyLine) {
 }
 
 TEST(AddHostHelp, IsTheSynopsisWithinTheUsage) {
-    const std::string usage = usageOf<AkHostMgmtAddHost>({"-ah"});
-    EXPECT_EQ(
-        usage.find(
-            "\nUSAGE:\n\n" + printedBy(AkHostMgmtAddHost::printHelp).out + "\nDescription:\n"),
-        0U);
-    EXPECT_TRUE(usage.ends_with("akhostmgmt -addhost -host testhost1  -server ABCserver \n"));
+    expectUsage<AkHostMgmtAddHost>(
+        "-ah", AkHostMgmtAddHost::printHelp,
+        "akhostmgmt -addhost -host testhost1  -server ABCserver \n");
 }
 
 }  // namespace

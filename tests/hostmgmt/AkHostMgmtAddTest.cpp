@@ -89,14 +89,6 @@ TEST(AddRequest, ComesAfterTheLookUpOfAName) {
     EXPECT_EQ(run.out, "m is successfully updated.\n");
 }
 
-TEST(AddRequest, IsNotMadeForAHostThatIsNotFound) {
-    const Change run = change<AkHostMgmtAdd>(
-        {"-a", "-n", "h", "-hm", "m"}, {FakeReply{0, 200, R"({"hosts":[]})"}});
-    EXPECT_EQ(run.requests.size(), 1U);
-    EXPECT_EQ(run.result, 8701);
-    EXPECT_EQ(run.out, "");
-}
-
 TEST(AddRequest, ThatFailsAnnouncesNothing) {
     const Change run =
         change<AkHostMgmtAdd>({"-a", "-i", "ID", "-hm", "m"}, {FakeReply{0, 204, ""}});
@@ -112,11 +104,8 @@ TEST(AddResult, OfAnyOtherStatusIsAnEmptyLine) {
 }
 
 TEST(AddHelp, IsTheSynopsisWithinTheUsage) {
-    const std::string usage = usageOf<AkHostMgmtAdd>({"-add"});
-    EXPECT_EQ(
-        usage.find("\nUSAGE:\n\n" + printedBy(AkHostMgmtAdd::printHelp).out + "\nDescription:\n"),
-        0U);
-    EXPECT_TRUE(usage.ends_with("-mappingname testhost3 -isshared\n"));
+    expectUsage<AkHostMgmtAdd>(
+        "-add", AkHostMgmtAdd::printHelp, "-mappingname testhost3 -isshared\n");
 }
 
 }  // namespace

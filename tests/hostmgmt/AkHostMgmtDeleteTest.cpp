@@ -75,14 +75,6 @@ TEST(DeleteRequest, IsADeleteOfTheMappingAndNamesItFirst) {
     EXPECT_EQ(run.log.back(), "2 Mapping between .. and ID is removed.");
 }
 
-TEST(DeleteRequest, IsNotMadeForAHostThatIsNotFound) {
-    const Change run = change<AkHostMgmtDelete>(
-        {"-d", "-n", "h", "-hm", "m"}, {FakeReply{0, 200, R"({"hosts":[]})"}});
-    EXPECT_EQ(run.requests.size(), 1U);
-    EXPECT_EQ(run.result, 8701);
-    EXPECT_EQ(run.out, "");
-}
-
 TEST(DeleteRequest, OfAMappingThatIsNotThereHasItsOwnStatus) {
     const Change run = change<AkHostMgmtDelete>(
         {"-d", "-i", "ID", "-hm", "m"},
@@ -100,12 +92,9 @@ TEST(DeleteResult, OfAFailureSaysNothing) {
 }
 
 TEST(DeleteHelp, IsTheSynopsisWithinTheUsage) {
-    const std::string usage = usageOf<AkHostMgmtDelete>({"-delete"});
-    EXPECT_EQ(
-        usage.find(
-            "\nUSAGE:\n\n" + printedBy(AkHostMgmtDelete::printHelp).out + "\nDescription:\n"),
-        0U);
-    EXPECT_TRUE(usage.ends_with("akhostmgmt -delete -host fs001 -mappingname testhost4\n"));
+    expectUsage<AkHostMgmtDelete>(
+        "-delete", AkHostMgmtDelete::printHelp,
+        "akhostmgmt -delete -host fs001 -mappingname testhost4\n");
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
-// The rules on which host is meant are the same for the operations that change one.
+// What goes before a change is the same for the operations that change a host: the rules on which
+// host is meant, and its look-up.
 
 #include "hostmgmt/AkHostMgmtAdd.h"
 #include "hostmgmt/AkHostMgmtAddHost.h"
@@ -57,6 +58,11 @@ protected:
         return loggedRefusalOf<typename OfOperation::Class>(setting_.operation + options);
     }
 
+    Change run(const Options& options, const std::deque<support::FakeReply>& replies) const {
+        return change<typename OfOperation::Class>(
+            setting_.operation + setting_.details + options, replies);
+    }
+
 private:
     OfOperation setting_;
 };
@@ -106,6 +112,16 @@ TYPED_TEST(HostRules, NamesHaveAtMost1024BytesAndIdsAnyNumber) {
     EXPECT_EQ(this->refusal({"-host", std::string(1025, 'x')}), tooLong);
     EXPECT_EQ(this->refusal({"-n", std::string(1025, 'x')}), tooLong);
     EXPECT_EQ(this->refusal({"-i", std::string(5000, 'x')}), "");
+}
+
+TYPED_TEST(HostRules, AHostThatIsNotFoundIsNotChanged) {
+    const Change unknown = this->run({"-host", "x"}, {{0, 200, R"({"hosts":[]})"}});
+    EXPECT_EQ(unknown.requests.size(), 1U);
+    EXPECT_EQ(unknown.result, 8701);
+    EXPECT_EQ(unknown.out, "");
+    const Change ambiguous = this->run({"-n", "x"}, {{0, 200, R"({"hosts":[{},{}]})"}});
+    EXPECT_EQ(ambiguous.requests.size(), 1U);
+    EXPECT_EQ(ambiguous.result, 8900);
 }
 
 TYPED_TEST(HostRules, OptionsOfNoneAreUnknown) {

@@ -68,6 +68,15 @@ std::string usageOf(const std::vector<std::string>& options) {
     return printedBy([&] { operation.printUsage(); }).out;
 }
 
+/// Holds the frame of a usage: heading, synopsis, description, and the end of the examples.
+template <typename Class>
+void expectUsage(const std::string& option, void (*printSynopsis)(), const std::string& end) {
+    const std::string usage = usageOf<Class>({option});
+    const std::string synopsis = printedBy(printSynopsis).out;
+    EXPECT_TRUE(usage.starts_with("\nUSAGE:\n\n" + synopsis + "\nDescription:\n")) << usage;
+    EXPECT_TRUE(usage.ends_with(end)) << usage;
+}
+
 /// A reply to the look-up of a host by name.
 inline support::FakeReply foundHost(const std::string& hostId) {
     return {0, 200, R"({"hosts":[{"uuid":")" + hostId + "\"}]}"};
