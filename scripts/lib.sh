@@ -3,7 +3,7 @@
 # What building, the demo and the tests stand on.
 packages=(
   g++ cmake ninja-build pkg-config
-  libcurl4-openssl-dev libssl-dev zlib1g-dev libbrotli-dev
+  libcurl4-openssl-dev libssl-dev zlib1g-dev libbrotli-dev libzstd-dev
   libjansson-dev libace-dev libtomlplusplus-dev
   libsqlite3-dev libcpp-httplib-dev
   libgtest-dev libgmock-dev gettext python3 tzdata
@@ -11,6 +11,9 @@ packages=(
 
 # What the checks of the continuous integration stand on besides.
 check_packages=(clang-format clang-tidy gcovr valgrind)
+
+# What the benchmark stands on besides.
+bench_packages=(nginx-core curl jq git iproute2)
 
 say() { printf '\n== %s\n' "$*"; }
 
@@ -40,6 +43,23 @@ install_packages() {
   fi
   "${apt[@]}" -q update
   "${apt[@]}" -q install -y --no-install-recommends "${missing[@]}"
+}
+
+# install_packages for packages that bring services, which are not to be started.
+install_packages_without_services() {
+  local policy=/usr/sbin/policy-rc.d result=0 as=()
+  [ -n "$(missing_packages "$@")" ] || return 0
+  [ "$(id -u)" -eq 0 ] || as=(sudo)
+  if [ -e "$policy" ]; then
+    install_packages "$@"
+    return
+  fi
+  # 101 is the answer that forbids it.
+  printf '#!/bin/sh\nexit 101\n' | "${as[@]}" tee "$policy" >/dev/null
+  "${as[@]}" chmod 755 "$policy"
+  install_packages "$@" || result=$?
+  "${as[@]}" rm "$policy"
+  return $result
 }
 
 # build PRESET [TARGET...]: configures and builds.

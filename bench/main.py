@@ -1,0 +1,102 @@
+"""Measures the tool beside other programs that do the same; scripts/bench builds and calls this.
+
+Exit status 0 when everything could be measured, also where an aim is missed; 1 when a run failed,
+bytes differ or connections are more than they should be.
+"""
+
+import argparse
+import datetime
+import json
+import os
+import pathlib
+import platform
+import signal
+import sys
+
+import figures
+import works
+from runner import Failure, Runner, say
+from stage import Stage, random_address
+from web_server import WebServer
+
+SIZES = [1_000, 10_000, 100_000, 1_000_000]
+
+
+def words(text):
+    return [word for word in text.split(",") if word]
+
+
+def numbers(text):
+    return sorted(int(word.replace("_", "")) for word in words(text))
+
+
+def arguments():
+    parser = argparse.ArgumentParser(
+        prog="scripts/bench", description="Measures akhostmgmt beside programs that do the same.")
+    parser.add_argument("--only", type=words, default=[], metavar="NAME[,NAME]",
+                        help="works, by name or by the first words of it (list-1000, list)")
+    parser.add_argument("--sizes", type=numbers, default=SIZES, metavar="N[,N]",
+                        help="how many hosts are listed (1000,10000,100000,1000000)")
+    parser.add_argument("--rounds", type=int, default=40, metavar="N",
+                        help="rounds of short works and of listings up to 10,000 hosts (40)")
+    parser.add_argument("--long-rounds", type=int, default=5, metavar="N",
+                        help="rounds of longer listings (5)")
+    parser.add_argument("--json", metavar="FILE", help="write all figures to FILE")
+    parser.add_argument("--list", action="store_true", help="show the names of the works")
+    parser.add_argument("--programs", help=argparse.SUPPRESS)
+    return parser.parse_args()  # fmt: skip
+
+
+def names(sizes):
+    listed = [f"list-{size}-{form}" for size in sizes for form in works.FORMATS]
+    return [name for name in works.plan([], []) if not name.startswith("list-")] + listed
+
+
+def stop(number, _):
+    sys.exit(128 + number)
+
+
+def measured(options):
+    """The rows of all chosen works."""
+    rows = []
+    with Stage(options.programs, random_address()) as stage, WebServer(stage) as server:
+        bench = works.Bench(Runner(stage), server, options)
+        for name, work in works.plan(options.sizes, options.only).items():
+            say(name)
+            rows += work(bench)
+    return rows + works.growth_rows(rows, options.sizes)
+
+
+def about():
+    """Where and when the figures come from."""
+    memory = os.sysconf("SC_PAGE_SIZE") * os.sysconf("SC_PHYS_PAGES") / 2**30
+    return {
+        "date": datetime.date.today().isoformat(),
+        "kernel": platform.release(),
+        "processors": os.cpu_count(),
+        "memory_gib": round(memory, 1),
+    }
+
+
+def main():
+    options = arguments()
+    if options.list:
+        print("\n".join(names(options.sizes)))
+        return 0
+    for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+        signal.signal(number, stop)
+    try:
+        rows = measured(options)
+    except Failure as failure:
+        say(f"bench: {failure}")
+        return 1
+    print(figures.program_table(rows))
+    print(figures.result_table(rows), end="")
+    if options.json:
+        text = json.dumps({"about": about(), "rows": figures.raw(rows)}, indent=1)
+        pathlib.Path(options.json).write_text(text + "\n")
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
