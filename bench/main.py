@@ -60,7 +60,7 @@ def measured(options):
     """The rows of all chosen works."""
     rows = []
     with Stage(options.programs, random_address()) as stage, WebServer(stage) as server:
-        bench = works.Bench(Runner(stage), server, options)
+        bench = works.Bench(Runner(stage), server, options.rounds, options.long_rounds)
         for name, work in works.plan(options.sizes, options.only).items():
             say(name)
             rows += work(bench)

@@ -21,7 +21,7 @@ class Stage:
 
     def __init__(self, programs, address):
         self.address = address
-        self.programs = pathlib.Path(programs)
+        self.programs = pathlib.Path(programs).resolve()
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="akhostmgmt-bench-", dir="/var/tmp"))
         try:
             self._fill()

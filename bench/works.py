@@ -6,13 +6,17 @@ import pathlib
 import figures
 import hosts
 from figures import Result, Row
-from runner import Failure, say
+from runner import Failure, Runner, say
+from slow_network import SlowNetwork, Unavailable
+from stage import Stage
+from web_server import WebServer
 
 TOOL = "akhostmgmt"
 SOURCES = pathlib.Path(__file__).resolve().parent
 HOST_ID = "0a0aa0a0-0000-0aa0-aa00-000a0a00a0a0"
 MAPPING = "bench-mapping"
 CHANGE = '{"isShared":false}'
+DELAY = 0.05  # seconds each way
 FORMATS = {
     "long": ([], ["-j", "-f", "list-long.jq"]),
     "short": (["-short"], ["-j", "-f", "list-short.jq"]),
@@ -25,12 +29,12 @@ MANY_ROUNDS_UP_TO = 10_000  # hosts
 class Bench:
     """What all works need: where to run, where the replies come from, how often."""
 
-    def __init__(self, runner, server, options):
+    def __init__(self, runner, server, rounds, long_rounds):
         self.runner = runner
         self.stage = runner.stage
         self.server = server
-        self.rounds = options.rounds
-        self.long_rounds = options.long_rounds
+        self.rounds = rounds
+        self.long_rounds = long_rounds
 
     def requests_of(self, pipeline, requests):
         """Runs a pipeline once; its requests, all on one connection and nothing besides."""
@@ -58,12 +62,9 @@ class Bench:
         """Runs in turns programs that make so many requests each, on one connection each."""
         samples = self.runner.in_turns(programs, rounds)
         runs = rounds * len(programs)
-        made = self.server.new_requests(runs * requests)
-        first, last = made[0].connection, made[-1].connection
-        if last - first + 1 != runs or {each.connection for each in made} != set(
-            range(first, last + 1)
-        ):
-            raise Failure(f"{last - first + 1} connections for {runs} runs")
+        made = [each.connection for each in self.server.new_requests(runs * requests)]
+        if set(made) != set(range(made[0], made[0] + runs)):
+            raise Failure(f"{runs} runs made these connections: {sorted(set(made))}")
         return samples
 
 
@@ -126,6 +127,34 @@ def change_work(bench):
     ours, theirs = change_commands(bench.stage, name)
     bench.demand_same_requests([ours], [theirs], 2)
     return beside_curl("change", [ours], [theirs], 2, bench)
+
+
+def delayed_change(means, bench):
+    """The change over a slow line: how often each program waits for the server's answer."""
+    [row] = change_work(bench)
+    trips = {
+        name: int(figures.median(samples, "wall") / (2 * DELAY))
+        for name, samples in row.samples.items()
+    }
+    wall = figures.ratio(row.samples[TOOL], row.samples["curl"], "wall", None, "curl")
+    results = [Result("round trips, at most curl's", trips[TOOL], trips["curl"]), wall]
+    return [Row("delay", row.samples, results, f"{DELAY * 1000:g} ms each way by {means}")]
+
+
+def delay_work(bench):
+    """The change with a server that is far away, if this machine can have one."""
+    try:
+        network = SlowNetwork(DELAY)
+    except Unavailable as reason:
+        return [Row("delay", remark=f"not measured: {reason}")]
+    with network, Stage(bench.stage.programs, network.address) as stage:
+        server = WebServer(stage)
+        network.server.call(server.__enter__)
+        try:
+            far = Bench(Runner(stage), server, bench.rounds, bench.long_rounds)
+            return network.client.call(delayed_change, network.means, far)
+        finally:
+            network.server.call(server.__exit__)
 
 
 def listing_commands(stage, form):
@@ -206,6 +235,7 @@ def plan(sizes, patterns):
         "usage-error": functools.partial(local_work, "usage-error", ["-nothing"], 144),
         "request": request_work,
         "change": change_work,
+        "delay": delay_work,
     }
     works = {name: work for name, work in works.items() if chosen(name, patterns)}
     for size in sizes:
