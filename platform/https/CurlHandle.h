@@ -1,8 +1,8 @@
 #pragma once
 
+#include "https/ClientLibraries.h"
 #include "https/TransferNotes.h"
 
-#include <curl/curl.h>
 #include <memory>
 #include <string>
 
@@ -12,10 +12,10 @@ namespace arkeon {
 /// program has one thread.
 class CurlHandle {
 public:
-    /// The handle for this server and port. Makes libcurl ready on the first call.
+    /// The handle for this server and port; the client's libraries are loaded.
     static CurlHandle& forServer(const std::string& server, int port);
 
-    /// Null when libcurl could not be made ready.
+    /// Null when libcurl had no memory for it.
     CURL* get() const { return handle_.get(); }
 
     /// What the callbacks note; outlives the connections.
@@ -23,7 +23,7 @@ public:
 
 private:
     struct Release {
-        void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
+        void operator()(CURL* handle) const { client().curl_easy_cleanup(handle); }
     };
 
     explicit CurlHandle(CURL* handle) : handle_(handle) {}

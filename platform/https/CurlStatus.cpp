@@ -1,6 +1,7 @@
 #include "https/CurlStatus.h"
 
 #include "arkeon/status.h"
+#include "https/ClientLibraries.h"
 
 #include <cstring>
 
@@ -41,7 +42,7 @@ int statusOf(CURLcode result) {
 bool isChunked(CURL* handle) {
     curl_header* line = nullptr;
     std::size_t index = 0;
-    while (curl_easy_header(handle, "Transfer-Encoding", index, CURLH_HEADER, -1, &line) ==
+    while (client().curl_easy_header(handle, "Transfer-Encoding", index, CURLH_HEADER, -1, &line) ==
            CURLHE_OK) {
         if (strcasestr(line->value, "chunked") != nullptr) {
             return true;
@@ -57,8 +58,8 @@ bool endsWithConnection(CURL* handle) {
     constexpr long notModified = 304;
     long httpStatus = 0;
     curl_off_t length = 0;
-    curl_easy_getinfo(handle, CURLINFO_RESPONSE_CODE, &httpStatus);
-    curl_easy_getinfo(handle, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
+    client().curl_easy_getinfo(handle, CURLINFO_RESPONSE_CODE, &httpStatus);
+    client().curl_easy_getinfo(handle, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
     return httpStatus != noContent && httpStatus != notModified && length < 0 && !isChunked(handle);
 }
 

@@ -1,6 +1,7 @@
 #include "https/Transfer.h"
 
 #include "arkeon/status.h"
+#include "https/ClientLibraries.h"
 #include "https/ClientLimits.h"
 #include "https/CurlHandle.h"
 #include "https/CurlStatus.h"
@@ -15,11 +16,11 @@ namespace arkeon {
 namespace {
 
 struct UrlRelease {
-    void operator()(CURLU* url) const { curl_url_cleanup(url); }
+    void operator()(CURLU* url) const { client().curl_url_cleanup(url); }
 };
 
 struct ListRelease {
-    void operator()(curl_slist* list) const { curl_slist_free_all(list); }
+    void operator()(curl_slist* list) const { client().curl_slist_free_all(list); }
 };
 
 using Url = std::unique_ptr<CURLU, UrlRelease>;
@@ -27,20 +28,21 @@ using HeaderList = std::unique_ptr<curl_slist, ListRelease>;
 
 /// Set part by part, so that no text in the server's name can become another part.
 Url makeUrl(const Request& request) {
-    Url url(curl_url());
+    Url url(client().curl_url());
     const std::string host = urlHost(request.server);
     const std::string port = std::to_string(request.port);
-    const bool whole = url != nullptr &&
-                       curl_url_set(url.get(), CURLUPART_SCHEME, "https", 0) == CURLUE_OK &&
-                       curl_url_set(url.get(), CURLUPART_HOST, host.c_str(), 0) == CURLUE_OK &&
-                       curl_url_set(url.get(), CURLUPART_PORT, port.c_str(), 0) == CURLUE_OK;
+    const bool whole =
+        url != nullptr &&
+        client().curl_url_set(url.get(), CURLUPART_SCHEME, "https", 0) == CURLUE_OK &&
+        client().curl_url_set(url.get(), CURLUPART_HOST, host.c_str(), 0) == CURLUE_OK &&
+        client().curl_url_set(url.get(), CURLUPART_PORT, port.c_str(), 0) == CURLUE_OK;
     return whole ? std::move(url) : nullptr;
 }
 
 HeaderList makeHeaders(const Request& request) {
     HeaderList list;
     for (const std::string& header : request.headers) {
-        curl_slist* longer = curl_slist_append(list.get(), header.c_str());
+        curl_slist* longer = client().curl_slist_append(list.get(), header.c_str());
         if (longer == nullptr) {
             throw std::bad_alloc();
         }
@@ -59,7 +61,7 @@ public:
           credentials_(credentials), url_(makeUrl(request)), headers_(makeHeaders(request)) {}
     ~Exchange() {
         if (handle_.get() != nullptr) {
-            curl_easy_reset(handle_.get());
+            client().curl_easy_reset(handle_.get());
         }
         handle_.notes() = TransferNotes();
     }
@@ -71,7 +73,7 @@ public:
 private:
     template <typename Value>
     void set(CURLoption option, Value value) {
-        const CURLcode result = curl_easy_setopt(handle_.get(), option, value);
+        const CURLcode result = client().curl_easy_setopt(handle_.get(), option, value);
         optionFailure_ = optionFailure_ == CURLE_OK ? result : optionFailure_;
     }
     void setBlob(CURLoption option, std::string& pem);
@@ -164,7 +166,7 @@ std::string_view Exchange::reasonOf(CURLcode result) const {
     if (errorText_.front() != '\0') {
         return errorText_.data();
     }
-    return result == CURLE_OK ? "" : curl_easy_strerror(result);
+    return result == CURLE_OK ? "" : client().curl_easy_strerror(result);
 }
 
 int Exchange::failed(int status, std::string_view reason, std::string_view observation) const {
@@ -180,7 +182,7 @@ int Exchange::finish(CURLcode result, Reply& reply) {
         return failed(status, reasonOf(result), observed(result, handle_.notes()));
     }
     long httpStatus = 0;
-    curl_easy_getinfo(handle_.get(), CURLINFO_RESPONSE_CODE, &httpStatus);
+    client().curl_easy_getinfo(handle_.get(), CURLINFO_RESPONSE_CODE, &httpStatus);
     reply.httpStatus = static_cast<int>(httpStatus);
     reply.body = std::move(handle_.notes().body);
     return status::success;
@@ -188,21 +190,22 @@ int Exchange::finish(CURLcode result, Reply& reply) {
 
 int Exchange::perform(Reply& reply) {
     if (handle_.get() == nullptr) {
-        return failed(status::clientFailure, "libcurl cannot be used");
+        return failed(status::clientFailure, "libcurl has no memory");
     }
     if (url_ == nullptr) {
         return failed(status::invalidServerName, "no URL can be made of server and port");
     }
     if (!prepare()) {
-        return failed(status::clientFailure, curl_easy_strerror(optionFailure_));
+        return failed(status::clientFailure, client().curl_easy_strerror(optionFailure_));
     }
-    return finish(curl_easy_perform(handle_.get()), reply);
+    return finish(client().curl_easy_perform(handle_.get()), reply);
 }
 
 }  // namespace
 
 int transfer(const Request& request, Credentials& credentials, Reply& reply) {
-    return Exchange(request, credentials).perform(reply);
+    return loadClientLibraries() ? Exchange(request, credentials).perform(reply)
+                                 : static_cast<int>(status::clientFailure);
 }
 
 }  // namespace arkeon

@@ -1,7 +1,8 @@
 #include "https/TransferNotes.h"
 
+#include "https/ClientLibraries.h"
+
 #include <exception>
-#include <openssl/ssl.h>
 #include <string_view>
 #include <sys/socket.h>
 
@@ -81,7 +82,8 @@ int onRequest(void* context, char* /*peer*/, char* /*local*/, int /*peerPort*/, 
 }
 
 int notesIndex() {
-    static const int index = SSL_CTX_get_ex_new_index(0, nullptr, nullptr, nullptr, nullptr);
+    static const int index = client().CRYPTO_get_ex_new_index(
+        CRYPTO_EX_INDEX_SSL_CTX, 0, nullptr, nullptr, nullptr, nullptr);
     return index;
 }
 
@@ -90,7 +92,8 @@ void onTlsState(const SSL* connection, int where, int value) {
     if ((where & SSL_CB_READ_ALERT) != SSL_CB_READ_ALERT) {
         return;
     }
-    TransferNotes& notes = notesOf(SSL_CTX_get_ex_data(SSL_get_SSL_CTX(connection), notesIndex()));
+    TransferNotes& notes =
+        notesOf(client().SSL_CTX_get_ex_data(client().SSL_get_SSL_CTX(connection), notesIndex()));
     if (value >> levelShift == SSL3_AL_FATAL) {
         notes.alertReceived = true;
     } else if ((value & 0xFF) == SSL_AD_CLOSE_NOTIFY) {
@@ -100,16 +103,18 @@ void onTlsState(const SSL* connection, int where, int value) {
 
 CURLcode onTlsContext(CURL* /*handle*/, void* sslContext, void* context) {
     auto* tls = static_cast<SSL_CTX*>(sslContext);
-    SSL_CTX_set_info_callback(tls, onTlsState);
-    return SSL_CTX_set_ex_data(tls, notesIndex(), context) == 1 ? CURLE_OK : CURLE_OUT_OF_MEMORY;
+    client().SSL_CTX_set_info_callback(tls, onTlsState);
+    return client().SSL_CTX_set_ex_data(tls, notesIndex(), context) == 1 ? CURLE_OK
+                                                                         : CURLE_OUT_OF_MEMORY;
 }
 
 /// Sets a callback and its context.
 template <typename Callback>
 CURLcode connect(
     CURL* handle, CURLoption function, Callback callback, CURLoption data, TransferNotes& notes) {
-    const CURLcode result = curl_easy_setopt(handle, function, callback);
-    return result == CURLE_OK ? curl_easy_setopt(handle, data, static_cast<void*>(&notes)) : result;
+    const CURLcode result = client().curl_easy_setopt(handle, function, callback);
+    return result == CURLE_OK ? client().curl_easy_setopt(handle, data, static_cast<void*>(&notes))
+                              : result;
 }
 
 }  // namespace
@@ -123,7 +128,7 @@ CURLcode takeNotes(CURL* handle, TransferNotes& notes) {
         connect(handle, CURLOPT_PREREQFUNCTION, onRequest, CURLOPT_PREREQDATA, notes),
         connect(handle, CURLOPT_SSL_CTX_FUNCTION, onTlsContext, CURLOPT_SSL_CTX_DATA, notes),
         // The debug callback is called only then; it takes the place of the output to stderr.
-        curl_easy_setopt(handle, CURLOPT_VERBOSE, 1L)};
+        client().curl_easy_setopt(handle, CURLOPT_VERBOSE, 1L)};
     for (const CURLcode result : results) {
         if (result != CURLE_OK) {
             return result;
