@@ -29,6 +29,12 @@ add_library(akhostmgmt_coverage INTERFACE)
 target_compile_options(akhostmgmt_coverage INTERFACE --coverage -fprofile-update=atomic)
 target_link_options(akhostmgmt_coverage INTERFACE --coverage)
 
+# What the tool itself is linked with besides: its start takes less time without the shared C++
+# library, and the sanitizers want the shared one.
+add_library(akhostmgmt_program INTERFACE)
+target_link_options(akhostmgmt_program INTERFACE
+  $<$<NOT:$<BOOL:${AKHOSTMGMT_SANITIZE}>>:-static-libstdc++ -static-libgcc>)
+
 add_library(akhostmgmt_settings INTERFACE)
 target_link_libraries(akhostmgmt_settings INTERFACE
   akhostmgmt_warnings
