@@ -5,7 +5,8 @@
   (.hosts[]
    | (.hostName // "") as $primary
    | [.hostMappings[] | .mappedHostName // ""] as $names
-   | "\n" + .uuid + $blanks[(.uuid | utf8bytelength):]
+   | (.uuid // "") as $id
+   | "\n" + $id + $blanks[($id | utf8bytelength):]
      + ([($names | select(index([$primary])) | $primary), ($names[] | select(. != $primary))]
         | join(", "))
      + "\n")

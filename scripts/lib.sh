@@ -6,14 +6,14 @@ packages=(
   libcurl4-openssl-dev libssl-dev zlib1g-dev libbrotli-dev libzstd-dev
   libjansson-dev libace-dev libtomlplusplus-dev
   libsqlite3-dev libcpp-httplib-dev
-  libgtest-dev libgmock-dev gettext python3 tzdata
+  libgtest-dev libgmock-dev gettext python3 tzdata jq
 )
 
 # What the checks of the continuous integration stand on besides.
 check_packages=(clang-format clang-tidy gcovr valgrind)
 
 # What the benchmark stands on besides.
-bench_packages=(nginx-core curl jq git iproute2)
+bench_packages=(nginx-core curl git iproute2)
 
 say() { printf '\n== %s\n' "$*"; }
 

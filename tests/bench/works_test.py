@@ -1,0 +1,125 @@
+#!/usr/bin/env python3
+"""Which works are chosen, how their requests are read from the log, and the slow line."""
+
+import os
+import socket
+import time
+import unittest
+
+import bench_test
+import web_server
+import works
+from figures import Row, Sample
+from slow_network import Line
+
+
+class Choice(unittest.TestCase):
+    def test_without_names_everything_is_chosen(self):
+        self.assertEqual(
+            list(works.plan([1000, 10], [])),
+            ["help", "usage-error", "request", "change", "delay", "list-1000", "list-10"])
+
+    def test_a_name_chooses_its_work(self):
+        self.assertEqual(list(works.plan([1000], ["change", "help"])), ["help", "change"])
+
+    def test_the_first_words_of_a_name_choose(self):
+        self.assertEqual(list(works.plan([10, 1000], ["list"])), ["list-10", "list-1000"])
+        self.assertEqual(list(works.plan([10, 1000], ["list-10"])), ["list-10"])
+
+    def test_a_format_can_be_chosen(self):
+        planned = works.plan([10, 1000], ["list-10-json", "list-10-short"])
+        self.assertEqual(planned["list-10"].args, (10, ["short", "json"]))
+        self.assertNotIn("list-1000", planned)
+
+    def test_an_unknown_name_chooses_nothing(self):
+        self.assertEqual(works.plan([1000], ["hel", "nothing"]), {})
+
+
+class Growth(unittest.TestCase):
+    @staticmethod
+    def rows(*sizes):
+        return [Row(f"list-{size}-long", {works.TOOL: [Sample(1, size / 1000, 10 * size)]})
+                for size in sizes]  # fmt: skip
+
+    def test_is_from_ten_thousand_to_the_most(self):
+        sizes = [1000, 10_000, 100_000, 1_000_000]
+        [found] = works.growth_rows(self.rows(*sizes), sizes)
+        self.assertEqual(found.work, "growth-long")
+        self.assertEqual([each.value for each in found.results], [1, 1])
+        self.assertIn("1,000,000 / 10,000", found.results[0].what)
+
+    def test_needs_both_ends(self):
+        self.assertEqual(works.growth_rows(self.rows(1000, 10_000), [1000, 10_000]), [])
+        self.assertEqual(works.growth_rows(self.rows(100_000), [100_000]), [])
+
+
+class AccessLog(unittest.TestCase):
+    FIELDS = ["7", "2", ".", "201", "312", "PUT", "/arkeon/x", "a/b", "gzip", "Bearer t", "c/d",
+              "18", ""]  # fmt: skip
+
+    def test_a_line_is_read(self):
+        request = web_server.parsed("\t".join(self.FIELDS))
+        self.assertEqual((request.connection, request.connection_requests), (7, 2))
+        self.assertEqual((request.status, request.bytes_sent), (201, 312))
+        self.assertEqual(request.asked(), tuple(self.FIELDS[5:]))
+
+    def test_a_line_of_another_form_is_an_error(self):
+        for fields in (self.FIELDS[:-1], [*self.FIELDS, ""], ["x", *self.FIELDS[1:]]):
+            with self.assertRaises(ValueError):
+                web_server.parsed("\t".join(fields))
+
+
+class SlowLine(unittest.TestCase):
+    DELAY = 0.1
+
+    def setUp(self):
+        near, near_end = socket.socketpair(socket.AF_UNIX, socket.SOCK_DGRAM)
+        far, far_end = socket.socketpair(socket.AF_UNIX, socket.SOCK_DGRAM)
+        self.near, self.far = near, far
+        line = Line(near_end.detach(), far_end.detach(), self.DELAY)
+        for end in (line.cut, near.close, far.close):
+            self.addCleanup(end)
+
+    def receive(self, end):
+        end.settimeout(10)
+        return end.recv(100), time.monotonic()
+
+    def test_packets_arrive_late_and_in_order(self):
+        begin = time.monotonic()
+        packets = [b"%d" % number for number in range(5)]
+        for packet in packets:
+            self.near.send(packet)
+        arrived = [self.receive(self.far) for _ in packets]
+        self.assertEqual([packet for packet, _ in arrived], packets)
+        self.assertGreaterEqual(arrived[0][1] - begin, self.DELAY)
+
+    def test_packets_do_not_wait_for_each_other(self):
+        begin = time.monotonic()
+        for _ in range(100):
+            self.near.send(b"packet")
+            time.sleep(0.001)
+        for _ in range(100):
+            self.receive(self.far)
+        self.assertLess(time.monotonic() - begin, 50 * self.DELAY)
+
+    def test_there_and_back_takes_twice_as_long(self):
+        begin = time.monotonic()
+        self.near.send(b"there")
+        self.receive(self.far)
+        self.far.send(b"back")
+        packet, arrived = self.receive(self.near)
+        self.assertEqual(packet, b"back")
+        self.assertGreaterEqual(arrived - begin, 2 * self.DELAY)
+
+    def test_cutting_it_closes_the_devices(self):
+        one, two = os.pipe(), os.pipe()
+        Line(one[0], two[0], self.DELAY).cut()
+        for descriptor in (one[0], two[0]):
+            with self.assertRaises(OSError):
+                os.fstat(descriptor)
+        for descriptor in (one[1], two[1]):
+            os.close(descriptor)
+
+
+if __name__ == "__main__":
+    bench_test.run()
