@@ -10,7 +10,9 @@ import json
 import os
 import pathlib
 import platform
+import re
 import signal
+import subprocess
 import sys
 
 import figures
@@ -19,6 +21,7 @@ from runner import Failure, Runner, say
 from stage import Stage, random_address
 from web_server import WebServer
 
+LOG_FOLDER = "/usr/zelvik/arkeon/logs/admin"
 SIZES = [1_000, 10_000, 100_000, 1_000_000]
 
 
@@ -44,7 +47,11 @@ def arguments():
     parser.add_argument("--json", metavar="FILE", help="write all figures to FILE")
     parser.add_argument("--list", action="store_true", help="show the names of the works")
     parser.add_argument("--programs", help=argparse.SUPPRESS)
-    return parser.parse_args()  # fmt: skip
+    options = parser.parse_args()  # fmt: skip
+    for name in options.only:
+        if not any(works.chosen(each, [name]) for each in names(options.sizes)):
+            parser.error(f"--only: there is no work {name}; --list shows them")
+    return options
 
 
 def names(sizes):
@@ -67,14 +74,27 @@ def measured(options):
     return rows + works.growth_rows(rows, options.sizes)
 
 
+def first_line(*command):
+    """What a program says first, on either stream: its version."""
+    run = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
+                         env=os.environ | {"PATH": f"{os.environ['PATH']}:/usr/sbin"}, check=True)
+    return run.stdout.split("\n")[0]  # fmt: skip
+
+
 def about():
     """Where and when the figures come from."""
     memory = os.sysconf("SC_PAGE_SIZE") * os.sysconf("SC_PHYS_PAGES") / 2**30
+    cpu = re.search(r"model name\s*: (.*)", pathlib.Path("/proc/cpuinfo").read_text())
     return {
         "date": datetime.date.today().isoformat(),
+        "commit": first_line("git", "describe", "--always", "--dirty"),
+        "machine": f"{os.cpu_count()} x {cpu.group(1) if cpu else platform.machine()}",
+        "memory": f"{memory:.1f} GiB",
         "kernel": platform.release(),
-        "processors": os.cpu_count(),
-        "memory_gib": round(memory, 1),
+        "curl": " ".join(first_line("curl", "--version").split()[1::2][:2]),
+        "jq": first_line("jq", "--version"),
+        "nginx": first_line("nginx", "-v"),
+        "git": first_line("git", "--version"),
     }
 
 
@@ -85,11 +105,14 @@ def main():
         return 0
     for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
         signal.signal(number, stop)
+    if os.path.isdir(LOG_FOLDER):
+        say(f"{LOG_FOLDER} is there: the tool's times include its debug log.")
     try:
         rows = measured(options)
-    except Failure as failure:
+    except (Failure, OSError, subprocess.CalledProcessError) as failure:
         say(f"bench: {failure}")
         return 1
+    print("".join(f"{name}: {value}\n" for name, value in about().items()))
     print(figures.program_table(rows))
     print(figures.result_table(rows), end="")
     if options.json:

@@ -73,7 +73,7 @@ bool readPlan(Plan& plan, char** word) {
 
 int opened(const char* path, int flags) {
     constexpr mode_t mode = 0600;
-    const int file = open(path, flags | O_CLOEXEC, mode);  // NOLINT(*-vararg): as it is
+    const int file = open(path, flags | O_CLOEXEC, mode);
     if (file < 0) {
         std::fprintf(stderr, "akbench_measure: %s: %s\n", path, std::strerror(errno));
     }

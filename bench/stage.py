@@ -1,7 +1,6 @@
 """A folder with everything that the measured programs use: certificates, login, environment."""
 
 import json
-import os
 import pathlib
 import random
 import shutil
@@ -17,7 +16,10 @@ def random_address():
 
 
 class Stage:
-    """A fresh folder for one primary server's `address`, removed at the end of the `with`."""
+    """A fresh folder for one primary server's `address`, removed at the end of the `with`.
+
+    It is on disk, as listings of a million hosts are larger than some folders in memory.
+    """
 
     def __init__(self, programs, address):
         self.address = address
@@ -88,7 +90,3 @@ class Stage:
         url = f"https://{self.address}:1556/arkeon/config/hosts/{resource}"
         files = (self.authority, self.certificate, self.key, self.headers)
         return [str(self.programs / "akbench_floor"), *map(str, files), url]
-
-    def log_folder_in_use(self):
-        """Whether the tool would write its debug log, which takes time of its own."""
-        return os.path.isdir("/usr/zelvik/arkeon/logs/admin")

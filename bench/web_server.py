@@ -7,10 +7,12 @@ import socket
 import subprocess
 import time
 
+from runner import Failure
+
 PORT = 1556
 FIELDS = [
     "connection", "connection_requests", "ssl_session_reused", "status", "bytes_sent",
-    "request_method", "request_uri", "http_accept", "http_accept_encoding",
+    "ssl_protocol", "request_method", "request_uri", "http_accept", "http_accept_encoding",
     "http_authorization", "http_content_type", "http_content_length",
     "http_x_arkeon_audit_reason",
 ]  # fmt: skip
@@ -62,6 +64,7 @@ class Request:
     ssl_session_reused: str
     status: int
     bytes_sent: int
+    ssl_protocol: str
     request_method: str
     request_uri: str
     http_accept: str
@@ -122,7 +125,7 @@ class WebServer:
                 return
             except OSError:
                 time.sleep(0.05)
-        raise RuntimeError(f"nginx did not start: {(self.folder / 'error.log').read_text()}")
+        raise Failure(f"nginx did not start: {(self.folder / 'error.log').read_text()}")
 
     def new_requests(self, count):
         """The requests that were noted since the last call, of which there have to be `count`.
@@ -139,7 +142,7 @@ class WebServer:
         self._read += sum(len(line.encode()) + 1 for line in lines)
         requests = [parsed(line) for line in lines]
         if len(requests) != count:
-            raise RuntimeError(f"{len(requests)} requests instead of {count}: {requests}")
+            raise Failure(f"{len(requests)} requests instead of {count}: {requests}")
         return requests
 
     def _new_lines(self):

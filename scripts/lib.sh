@@ -47,19 +47,18 @@ install_packages() {
 
 # install_packages for packages that bring services, which are not to be started.
 install_packages_without_services() {
-  local policy=/usr/sbin/policy-rc.d result=0 as=()
+  local policy=/usr/sbin/policy-rc.d as=()
   [ -n "$(missing_packages "$@")" ] || return 0
   [ "$(id -u)" -eq 0 ] || as=(sudo)
-  if [ -e "$policy" ]; then
+  (
+    if [ ! -e "$policy" ]; then
+      trap '"${as[@]}" rm -f "$policy"' EXIT
+      # 101 is the answer that forbids it.
+      printf '#!/bin/sh\nexit 101\n' | "${as[@]}" tee "$policy" >/dev/null
+      "${as[@]}" chmod 755 "$policy"
+    fi
     install_packages "$@"
-    return
-  fi
-  # 101 is the answer that forbids it.
-  printf '#!/bin/sh\nexit 101\n' | "${as[@]}" tee "$policy" >/dev/null
-  "${as[@]}" chmod 755 "$policy"
-  install_packages "$@" || result=$?
-  "${as[@]}" rm "$policy"
-  return $result
+  )
 }
 
 # build PRESET [TARGET...]: configures and builds.

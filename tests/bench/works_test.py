@@ -54,8 +54,8 @@ class Growth(unittest.TestCase):
 
 
 class AccessLog(unittest.TestCase):
-    FIELDS = ["7", "2", ".", "201", "312", "PUT", "/arkeon/x", "a/b", "gzip", "Bearer t", "c/d",
-              "18", ""]  # fmt: skip
+    FIELDS = ["7", "2", ".", "201", "312", "TLSv1.3", "PUT", "/arkeon/x", "a/b", "gzip",
+              "Bearer t", "c/d", "18", ""]  # fmt: skip
 
     def test_a_line_is_read(self):
         request = web_server.parsed("\t".join(self.FIELDS))
