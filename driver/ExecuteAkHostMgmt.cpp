@@ -8,6 +8,7 @@
 #include "cmdframework/Usagecmd.h"
 #include "driver/ArgumentCopy.h"
 #include "driver/Operations.h"
+#include "hostmgmt/JsonMemory.h"
 #include "hostmgmt/Messages.h"
 #include "hostmgmt/OptionNames.h"
 
@@ -112,6 +113,7 @@ int execute_akhostmgmt(int argc, char** argv) {
 
 int execute_akhostmgmt_in(const char* directory, int argc, char** argv) {
     Console::standard();  // takes the standard streams before anything else is opened
+    keepJsonUntilExit();
     int localeStatus = 0;
     zvgetlocaleEx(&locale, &localeStatus);
 

@@ -2,7 +2,6 @@
 
 #include "arkeon/status.h"
 
-#include <cstdlib>
 #include <memory>
 #include <utility>
 
@@ -24,10 +23,9 @@ int AkHostMgmtBaseOption::setJSONObject(const char* key, json_t* value) {
 }
 
 std::string AkHostMgmtBaseOption::getJSONpayload() {
-    struct Release {
-        void operator()(char* text) const { std::free(text); }
-    };
-    const std::unique_ptr<char, Release> text(json_dumps(payload.get(), JSON_COMPACT));
+    json_free_t release = nullptr;
+    json_get_alloc_funcs(nullptr, &release);
+    const std::unique_ptr<char, json_free_t> text(json_dumps(payload.get(), JSON_COMPACT), release);
     return text ? text.get() : "";
 }
 

@@ -4,6 +4,7 @@
 #include "arkeon/status.h"
 #include "hostmgmt/AkHostMgmtList.h"
 #include "hostmgmt/ListText.h"
+#include "hostmgmt/LocalDate.h"
 
 #include <array>
 #include <cstring>
@@ -56,12 +57,11 @@ const char* autoDiscovered(const json_t* mapping) {
     return json_is_null(value) || json_is_true(value) ? noText : yesText;
 }
 
-std::string tableLine(const std::array<const char*, columnWidths.size()>& columns) {
-    std::string line = "\n";
+void printTableLine(const std::array<const char*, columnWidths.size()>& columns) {
+    Console::standard().write("\n");
     for (std::size_t i = 0; i < columns.size(); ++i) {
-        line += padded(columns[i], columnWidths[i]);
+        printPadded(columns[i], columnWidths[i]);
     }
-    return line;
 }
 
 }  // namespace
@@ -118,14 +118,17 @@ void AkHostMgmtList::printHostList() {
 }
 
 void AkHostMgmtList::printShortHeader() {
-    Console::standard().write(
-        "\n" + padded(labels()[HeaderType::hostId].c_str(), hostIdHeaderWidth) + " " +
-        labels()[HeaderType::mappedNames]);
+    Console& console = Console::standard();
+    console.write("\n");
+    printPadded(labels()[HeaderType::hostId].c_str(), hostIdHeaderWidth);
+    console.write(" ");
+    console.write(labels()[HeaderType::mappedNames]);
 }
 
 void AkHostMgmtList::printHost(json_t* host) {
     if (isGiven(option::shortOutput)) {
-        Console::standard().write("\n" + padded(stringMember(host, "uuid"), hostIdWidth));
+        Console::standard().write("\n");
+        printPadded(stringMember(host, "uuid"), hostIdWidth);
     } else {
         printLongBlock(host);
     }
@@ -134,7 +137,7 @@ void AkHostMgmtList::printHost(json_t* host) {
 
 void AkHostMgmtList::printLongBlock(const json_t* host) {
     const auto line = [this](HeaderType label, const char* value) {
-        Console::standard().write(longLine(labels()[label], value));
+        printLongLine(labels()[label], value);
     };
     const auto text = [host, &line](HeaderType label, const char* key) {
         line(label, stringMember(host, key));
@@ -170,11 +173,11 @@ void AkHostMgmtList::printMappedHostNames(json_t* host, const char* primaryName)
     } else {
         const ListLabels& label = labels();
         console.write("\n");
-        console.write(tableLine(
+        printTableLine(
             {label[HeaderType::mappedHostName].c_str(), label[HeaderType::approved].c_str(),
              label[HeaderType::conflict].c_str(), label[HeaderType::autoDiscovered].c_str(),
              label[HeaderType::shared].c_str(), label[HeaderType::createdOn].c_str(),
-             label[HeaderType::lastUpdatedOn].c_str()}));
+             label[HeaderType::lastUpdatedOn].c_str()});
         printSortedHostNames(host, primaryName);
     }
     console.write("\n");
@@ -234,10 +237,10 @@ void AkHostMgmtList::printFilteredHostName(
 
 void AkHostMgmtList::printMappingRow(json_t* mapping, const char* approval) {
     const ListLabels& label = labels();
-    const std::string created = localDateText(integerMember(mapping, "createdOn"));
-    const std::string updated = localDateText(integerMember(mapping, "updatedOn"));
-    Console::standard().write(tableLine(
+    const DateText created = localDateText(integerMember(mapping, "createdOn"));
+    const DateText updated = localDateText(integerMember(mapping, "updatedOn"));
+    printTableLine(
         {getTrimmedString("mappedHostName", mapping), label.boolean(approval),
          label.boolean(yesOrNo(mapping, "isConflicting")), label.boolean(autoDiscovered(mapping)),
-         label.boolean(yesOrNo(mapping, "isShared")), created.c_str(), updated.c_str()}));
+         label.boolean(yesOrNo(mapping, "isShared")), created.data(), updated.data()});
 }

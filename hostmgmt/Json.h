@@ -1,10 +1,16 @@
 #pragma once
 
+#include "hostmgmt/JsonMemory.h"
+
 #include <jansson.h>
 #include <memory>
 
 struct JsonRelease {
-    void operator()(json_t* value) const { json_decref(value); }
+    void operator()(json_t* value) const {
+        if (!jsonIsKeptUntilExit()) {
+            json_decref(value);
+        }
+    }
 };
 
 /// A counted reference to a JSON value.

@@ -3,11 +3,14 @@
 #include "arkeon/console.h"
 #include "arkeon/text.h"
 #include "cmdframework/Messages.h"
+#include "hostmgmt/LocalDate.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
-#include <ctime>
 #include <iterator>
+
+using arkeon::Console;
 
 namespace {
 
@@ -82,30 +85,27 @@ const char* getTrimmedString(const char* key, json_t* object) {
     return stringMember(object, key);
 }
 
-std::string localDateText(std::int64_t milliseconds) {
-    std::tm local{};
-    if (!arkeon::localTime(milliseconds / 1000, &local)) {
-        return {};
-    }
-    std::array<char, 100> text{};
-    std::strftime(text.data(), text.size(), "%b %d, %Y %I:%M:%S %p", &local);
-    return text.data();
-}
-
 void printAllowAutoReissueDetails(std::int64_t milliseconds) {
-    const std::string end = milliseconds == 0 ? std::string() : localDateText(milliseconds);
-    arkeon::Console::standard().write(
-        longLine(labelText(HeaderType::autoReissueValidity), end.c_str()));
+    static const std::string label = labelText(HeaderType::autoReissueValidity);
+    printLongLine(label, milliseconds == 0 ? "" : localDateText(milliseconds).data());
 }
 
-std::string padded(const char* text, std::size_t width) {
-    std::string field = text == nullptr ? "(null)" : text;
-    if (field.size() < width) {
-        field.resize(width, ' ');
+void printPadded(const char* text, std::size_t width) {
+    constexpr std::string_view blanks = "                                        ";
+    const std::string_view field = text == nullptr ? "(null)" : text;
+    Console& console = Console::standard();
+    console.write(field);
+    for (std::size_t missing = width - std::min(width, field.size()); missing > 0;) {
+        const std::string_view some = blanks.substr(0, missing);
+        console.write(some);
+        missing -= some.size();
     }
-    return field;
 }
 
-std::string longLine(const std::string& label, const char* value) {
-    return "\n" + padded(label.c_str(), labelWidth) + " : " + padded(value, 0);
+void printLongLine(const std::string& label, const char* value) {
+    Console& console = Console::standard();
+    console.write("\n");
+    printPadded(label.c_str(), labelWidth);
+    console.write(" : ");
+    printPadded(value, 0);
 }

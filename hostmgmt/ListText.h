@@ -56,15 +56,12 @@ void GetLocalizedBoolString(const char* text, char* buffer, int size);
 /// first 15 (no UTF-8 letter is split) and "~", also in `object`. Null when there is no text.
 const char* getTrimmedString(const char* key, json_t* object);
 
-/// Milliseconds since the epoch as local date and time, as in "Nov 21, 2026 08:15:30 AM"; the part
-/// of a second is dropped (towards zero). Empty for a year that does not fit.
-std::string localDateText(std::int64_t milliseconds);
-
 /// Prints the line of the end of the reissue permission, empty for 0.
 void printAllowAutoReissueDetails(std::int64_t milliseconds);
 
-/// `text` filled up with blanks to `width` bytes, as printf does; a null pointer is "(null)".
-std::string padded(const char* text, std::size_t width);
+/// Prints `text` filled up with blanks to `width` bytes, as printf does; a null pointer is
+/// "(null)".
+void printPadded(const char* text, std::size_t width);
 
-/// The line "label : value" of the long listing, with the newline that begins it.
-std::string longLine(const std::string& label, const char* value);
+/// Prints the line "label : value" of the long listing, with the newline that begins it.
+void printLongLine(const std::string& label, const char* value);

@@ -1,0 +1,92 @@
+#include "hostmgmt/JsonMemory.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <jansson.h>
+#include <new>
+#include <sys/mman.h>
+
+namespace {
+
+/// What jansson's structures hold: pointers, 64-bit integers and doubles.
+constexpr std::size_t jsonAlignment = 8;
+
+constexpr std::size_t hugePage = std::size_t{2} * 1024 * 1024;
+constexpr std::size_t largeBlock = 4 * hugePage;
+constexpr std::size_t smallBlock = std::size_t{64} * 1024;
+
+/// No single allocation is larger; far beyond what a reply takes.
+constexpr std::size_t longest = PTRDIFF_MAX / 2;
+
+constexpr std::size_t roundedUp(std::size_t size, std::size_t unit) {
+    return (size + unit - 1) / unit * unit;
+}
+
+/// Hands out memory from the beginning of a block to its end, then from the next block. What begins
+/// each block keeps the one before in sight, so that none counts as lost.
+class Arena {
+public:
+    void* allocate(std::size_t size) {
+        size = roundedUp(size, jsonAlignment);
+        if (size > left_ && !takeBlock(size)) {
+            return nullptr;
+        }
+        char* memory = next_;
+        next_ += size;
+        left_ -= size;
+        return memory;
+    }
+
+private:
+    struct Header {
+        Header* before;
+    };
+
+    /// The first block is small, since most replies are.
+    bool takeBlock(std::size_t room) {
+        if (room > longest) {
+            return false;
+        }
+        const std::size_t needed = room + sizeof(Header);
+        const bool small = last_ == nullptr && needed <= smallBlock;
+        const std::size_t size =
+            small ? smallBlock : roundedUp(std::max(needed, largeBlock), hugePage);
+        void* block = std::aligned_alloc(small ? alignof(Header) : hugePage, size);
+        if (block == nullptr) {
+            return false;
+        }
+        if (!small) {
+            // A wish: a kernel that does not grant it gives small pages.
+            static_cast<void>(madvise(block, size, MADV_HUGEPAGE));
+        }
+        last_ = new (block) Header{last_};
+        next_ = static_cast<char*>(block) + sizeof(Header);
+        left_ = size - sizeof(Header);
+        return true;
+    }
+
+    Header* last_ = nullptr;
+    char* next_ = nullptr;
+    std::size_t left_ = 0;
+};
+
+Arena arena;
+bool kept = false;
+
+void* allocateForGood(std::size_t size) {
+    return arena.allocate(size);
+}
+
+void keep(void* /*memory*/) {}
+
+}  // namespace
+
+void keepJsonUntilExit() {
+    json_set_alloc_funcs(allocateForGood, keep);
+    kept = true;
+}
+
+bool jsonIsKeptUntilExit() {
+    return kept;
+}
