@@ -77,8 +77,8 @@ def measured(options):
 def first_line(*command):
     """What a program says first, on either stream: its version."""
     run = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
-                         env=os.environ | {"PATH": f"{os.environ['PATH']}:/usr/sbin"}, check=True)
-    return run.stdout.split("\n")[0]  # fmt: skip
+                         env=os.environ | {"PATH": f"{os.environ['PATH']}:/usr/sbin"}, check=False)
+    return "unknown" if run.returncode else run.stdout.split("\n")[0]  # fmt: skip
 
 
 def about():
@@ -108,15 +108,16 @@ def main():
     if os.path.isdir(LOG_FOLDER):
         say(f"{LOG_FOLDER} is there: the tool's times include its debug log.")
     try:
+        circumstances = about()
         rows = measured(options)
     except (Failure, OSError, subprocess.CalledProcessError) as failure:
         say(f"bench: {failure}")
         return 1
-    print("".join(f"{name}: {value}\n" for name, value in about().items()))
+    print("".join(f"{name}: {value}\n" for name, value in circumstances.items()))
     print(figures.program_table(rows))
     print(figures.result_table(rows), end="")
     if options.json:
-        text = json.dumps({"about": about(), "rows": figures.raw(rows)}, indent=1)
+        text = json.dumps({"about": circumstances, "rows": figures.raw(rows)}, indent=1)
         pathlib.Path(options.json).write_text(text + "\n")
     return 0
 

@@ -29,7 +29,10 @@ class Unavailable(Exception):
 
 
 def command(*words):
-    run = subprocess.run(words, capture_output=True, text=True, check=False)
+    try:
+        run = subprocess.run(words, capture_output=True, text=True, check=False)
+    except OSError as failure:
+        raise Unavailable(f"{words[0]}: {failure.strerror}") from failure
     if run.returncode:
         raise Unavailable(f"{' '.join(words)}: {run.stderr.strip()}")
 

@@ -2,7 +2,6 @@
 
 import dataclasses
 import os
-import pwd
 import socket
 import subprocess
 import time
@@ -18,7 +17,7 @@ FIELDS = [
 ]  # fmt: skip
 CONFIGURATION = """
 daemon off;
-user {user};
+{user}
 worker_processes 1;
 pid {folder}/pid;
 error_log {folder}/error.log warn;
@@ -95,7 +94,7 @@ class WebServer:
         self._address = stage.address
         self._read = 0
         text = CONFIGURATION.format(
-            user=pwd.getpwuid(os.geteuid()).pw_name, folder=self.folder,
+            user="" if os.geteuid() else "user root;", folder=self.folder,
             fields="\t".join(f"${field}" for field in FIELDS), address=stage.address, port=PORT,
             certificate=stage.server_certificate, key=stage.server_key,
             authority=stage.authority)  # fmt: skip

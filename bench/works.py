@@ -63,6 +63,7 @@ class Bench:
         samples = self.runner.in_turns(programs, rounds)
         runs = rounds * len(programs)
         made = [each.connection for each in self.server.new_requests(runs * requests)]
+        self.connections_of_a_run = (made[-1] - made[0] + 1) / runs
         if set(made) != set(range(made[0], made[0] + runs)):
             raise Failure(f"{runs} runs made these connections: {sorted(set(made))}")
         return samples
@@ -98,7 +99,7 @@ def beside_curl(name, ours, theirs, requests, bench):
     results = [
         figures.ratio(samples[TOOL], samples["curl"], figure, 0.9, "curl")
         for figure in ("wall", "cpu")
-    ]
+    ] + [Result("connections of each run", bench.connections_of_a_run, 1)]
     return [Row(name, samples, results)]
 
 
@@ -208,6 +209,11 @@ def listing_work(count, forms, bench):
     return rows
 
 
+def growth_result(label, figure, pair):
+    points = [(size, figures.median(samples, figure)) for size, samples in pair]
+    return figures.growth(label, *points)
+
+
 def growth_rows(rows, sizes):
     """How the tool's time and memory for each host grow from 10,000 hosts to the most."""
     few, many = MANY_ROUNDS_UP_TO, max(sizes)
@@ -216,10 +222,8 @@ def growth_rows(rows, sizes):
     for form in FORMATS:
         pair = [(size, found.get(f"list-{size}-{form}")) for size in (few, many)]
         if few < many and all(samples for _, samples in pair):
-            points = lambda figure: [(n, figures.median(each, figure)) for n, each in pair]
-            result.append(Row(f"growth-{form}", {}, [
-                figures.growth("CPU", *points("cpu")), figures.growth("peak", *points("peak_kib")),
-            ]))  # fmt: skip
+            results = [growth_result("CPU", "cpu", pair), growth_result("peak", "peak_kib", pair)]
+            result.append(Row(f"growth-{form}", results=results))
     return result
 
 
