@@ -10,6 +10,7 @@ import bench_test
 import web_server
 import works
 from figures import Row, Sample
+from runner import Failure
 from slow_network import Line
 
 
@@ -53,15 +54,89 @@ class Growth(unittest.TestCase):
         self.assertEqual(works.growth_rows(self.rows(100_000), [100_000]), [])
 
 
+def request(connection, **others):
+    texts = dict.fromkeys(web_server.FIELDS, "") | {"ssl_session_reused": "."}
+    numbers = {"connection": connection, "connection_requests": 1, "status": 200, "bytes_sent": 9}
+    return web_server.Request(**texts | numbers | others)
+
+
+class Log:
+    """A server's log that was written beforehand."""
+
+    def __init__(self, requests):
+        self._requests = requests
+
+    def new_requests(self, count):
+        taken, self._requests = self._requests[:count], self._requests[count:]
+        return taken
+
+
+class Runner:
+    """Runs nothing at all."""
+
+    class stage:
+        curl = staticmethod(lambda resource: ["curl", resource])
+
+    def run(self, pipeline):
+        return Sample(1, 1, 1)
+
+    def in_turns(self, programs, rounds):
+        return dict.fromkeys(programs, [self.run("")] * rounds)
+
+
+class Connections(unittest.TestCase):
+    @staticmethod
+    def bench(*requests):
+        return works.Bench(Runner(), Log(requests), 1, 1)
+
+    def test_two_requests_on_one_connection_are_right(self):
+        bench = self.bench(request(5), request(6), request(6), request(7))
+        self.assertEqual(bench.requests_of("", 2), (request(6), request(6)))
+
+    def test_a_second_connection_is_a_failure(self):
+        bench = self.bench(request(5), request(6), request(7), request(8))
+        with self.assertRaisesRegex(Failure, "not one connection"):
+            bench.requests_of("", 2)
+
+    def test_a_connection_without_a_request_is_a_failure(self):
+        for others in ((6, 6, 8), (7, 7, 8)):
+            bench = self.bench(request(5), *map(request, others))
+            with self.assertRaisesRegex(Failure, "not one connection"):
+                bench.requests_of("", 2)
+
+    def test_a_session_that_is_taken_up_again_is_a_failure(self):
+        bench = self.bench(request(5), request(6, ssl_session_reused="r"), request(7))
+        with self.assertRaisesRegex(Failure, "taken up again"):
+            bench.requests_of("", 1)
+
+    def test_other_requests_are_a_failure(self):
+        for others in ({"http_accept": "x"}, {"request_uri": "/"}, {"ssl_protocol": "TLSv1.2"}):
+            bench = self.bench(
+                request(1), request(2), request(3), request(4), request(5, **others), request(6))
+            with self.assertRaisesRegex(Failure, "does not ask as"):
+                bench.demand_same_requests("ours", "theirs", 1)
+
+    def test_timed_runs_have_one_connection_each(self):
+        bench = self.bench(*map(request, (3, 3, 4, 4, 5, 5, 6, 6)))
+        samples = bench.timed({"a": {}, "b": {}}, 2, 2)
+        self.assertEqual({name: len(runs) for name, runs in samples.items()}, {"a": 2, "b": 2})
+        self.assertEqual(bench.connections_of_a_run, 1)
+
+    def test_timed_runs_with_more_or_less_are_a_failure(self):
+        for connections in ((3, 4, 5, 6), (3, 3, 5, 5), (3, 3, 3, 3)):
+            with self.assertRaisesRegex(Failure, "made these connections"):
+                self.bench(*map(request, connections)).timed({"a": {}}, 2, 2)
+
+
 class AccessLog(unittest.TestCase):
     FIELDS = ["7", "2", ".", "201", "312", "TLSv1.3", "PUT", "/arkeon/x", "a/b", "gzip",
               "Bearer t", "c/d", "18", ""]  # fmt: skip
 
     def test_a_line_is_read(self):
-        request = web_server.parsed("\t".join(self.FIELDS))
-        self.assertEqual((request.connection, request.connection_requests), (7, 2))
-        self.assertEqual((request.status, request.bytes_sent), (201, 312))
-        self.assertEqual(request.asked(), tuple(self.FIELDS[5:]))
+        read = web_server.parsed("\t".join(self.FIELDS))
+        self.assertEqual((read.connection, read.connection_requests), (7, 2))
+        self.assertEqual((read.status, read.bytes_sent), (201, 312))
+        self.assertEqual(read.asked(), tuple(self.FIELDS[5:]))
 
     def test_a_line_of_another_form_is_an_error(self):
         for fields in (self.FIELDS[:-1], [*self.FIELDS, ""], ["x", *self.FIELDS[1:]]):
