@@ -2,6 +2,8 @@
 
 #include "https/ClientLibraries.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <exception>
 #include <string_view>
 #include <sys/socket.h>
@@ -17,11 +19,41 @@ TransferNotes& notesOf(void* data) {
     return *static_cast<TransferNotes*>(data);
 }
 
+/// How long the decoded body is likely to be at most; 0 when the reply's head does not tell.
+std::size_t expectedLength(CURL* handle) {
+    constexpr std::size_t compression = 16;  // more than listings are compressed
+    curl_off_t announced = 0;
+    curl_header* coding = nullptr;
+    client().curl_easy_getinfo(handle, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &announced);
+    if (announced <= 0) {
+        return 0;
+    }
+    const bool compressed =
+        client().curl_easy_header(handle, "Content-Encoding", 0, CURLH_HEADER, -1, &coding) ==
+        CURLHE_OK;
+    const auto length = static_cast<std::size_t>(announced);
+    return !compressed ? length : length < SIZE_MAX / compression ? length * compression : SIZE_MAX;
+}
+
+/// Takes the room for the whole body at once: a large one need not be moved as it grows. Memory
+/// that is taken and not written to costs nothing.
+void makeRoom(TransferNotes& notes) {
+    try {
+        notes.body.reserve(std::min(expectedLength(notes.handle), notes.bodyLimit));
+    } catch (const std::exception&) {
+        // What arrives may be shorter; if not, its end finds no room.
+        return;
+    }
+}
+
 std::size_t onBody(char* data, std::size_t one, std::size_t size, void* context) {
     TransferNotes& notes = notesOf(context);
     if (size > notes.bodyLimit - notes.body.size()) {
         notes.replyTooLarge = true;
         return 0;
+    }
+    if (notes.body.empty()) {
+        makeRoom(notes);
     }
     try {
         notes.body.append(data, size);
@@ -120,6 +152,7 @@ CURLcode connect(
 }  // namespace
 
 CURLcode takeNotes(CURL* handle, TransferNotes& notes) {
+    notes.handle = handle;
     const CURLcode results[] = {
         connect(handle, CURLOPT_WRITEFUNCTION, onBody, CURLOPT_WRITEDATA, notes),
         connect(handle, CURLOPT_HEADERFUNCTION, onHeader, CURLOPT_HEADERDATA, notes),

@@ -8,6 +8,7 @@ namespace arkeon {
 
 /// What libcurl's callbacks saw of one transfer; libcurl's result alone does not tell.
 struct TransferNotes {
+    CURL* handle = nullptr;  ///< whose transfer it is
     std::string body;
     std::size_t bodyLimit = 0;
     std::size_t headBytes = 0;    ///< of all heads, interim ones included
