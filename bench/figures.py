@@ -111,7 +111,9 @@ def raw(rows):
                 name: [dataclasses.asdict(sample) for sample in samples]
                 for name, samples in row.samples.items()
             },
-            "results": [dataclasses.asdict(each) | {"verdict": each.verdict} for each in row.results],
+            "results": [
+                dataclasses.asdict(each) | {"verdict": each.verdict} for each in row.results
+            ],
         }
         for row in rows
     ]

@@ -92,7 +92,8 @@ def listing(count, primary_server):
     separator = '{"hosts":['
     for first in range(1, count + 1, BATCH):
         numbers = range(first, min(first + BATCH, count + 1))
-        yield (separator + ",".join(compact(host(each, primary_server)) for each in numbers)).encode()
+        rows = ",".join(compact(host(each, primary_server)) for each in numbers)
+        yield (separator + rows).encode()
         separator = ","
     yield b"]}"
 

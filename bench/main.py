@@ -21,12 +21,20 @@ from runner import Failure, Runner, say
 from stage import Stage, random_address
 from web_server import WebServer
 
+HERE = os.path.dirname(os.path.abspath(__file__))
 LOG_FOLDER = "/usr/zelvik/arkeon/logs/admin"
 SIZES = [1_000, 10_000, 100_000, 1_000_000]
 
 
 def words(text):
     return [word for word in text.split(",") if word]
+
+
+def rounds(text):
+    number = int(text)
+    if number < 1:
+        raise argparse.ArgumentTypeError("at least one round")
+    return number
 
 
 def numbers(text):
@@ -40,11 +48,12 @@ def arguments():
                         help="works, by name or by the first words of it (list-1000, list)")
     parser.add_argument("--sizes", type=numbers, default=SIZES, metavar="N[,N]",
                         help="how many hosts are listed (1000,10000,100000,1000000)")
-    parser.add_argument("--rounds", type=int, default=40, metavar="N",
+    parser.add_argument("--rounds", type=rounds, default=40, metavar="N",
                         help="rounds of short works and of listings up to 10,000 hosts (40)")
-    parser.add_argument("--long-rounds", type=int, default=5, metavar="N",
+    parser.add_argument("--long-rounds", type=rounds, default=5, metavar="N",
                         help="rounds of longer listings (5)")
-    parser.add_argument("--json", metavar="FILE", help="write all figures to FILE")
+    parser.add_argument("--json", type=argparse.FileType("w"), metavar="FILE",
+                        help="write all figures to FILE")
     parser.add_argument("--list", action="store_true", help="show the names of the works")
     parser.add_argument("--programs", help=argparse.SUPPRESS)
     options = parser.parse_args()  # fmt: skip
@@ -87,7 +96,7 @@ def about():
     cpu = re.search(r"model name\s*: (.*)", pathlib.Path("/proc/cpuinfo").read_text())
     return {
         "date": datetime.date.today().isoformat(),
-        "commit": first_line("git", "describe", "--always", "--dirty"),
+        "commit": first_line("git", "-C", HERE, "describe", "--always", "--dirty"),
         "machine": f"{os.cpu_count()} x {cpu.group(1) if cpu else platform.machine()}",
         "memory": f"{memory:.1f} GiB",
         "kernel": platform.release(),
@@ -118,7 +127,8 @@ def main():
     print(figures.result_table(rows), end="")
     if options.json:
         text = json.dumps({"about": circumstances, "rows": figures.raw(rows)}, indent=1)
-        pathlib.Path(options.json).write_text(text + "\n")
+        options.json.write(text + "\n")
+        options.json.close()
     return 0
 
 

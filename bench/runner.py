@@ -2,6 +2,7 @@
 
 import json
 import os
+import signal
 import subprocess
 import sys
 
@@ -25,15 +26,27 @@ class Runner:
         words = [self._measure, "-o", str(output), "-e", str(errors), *pipeline[0]]
         for command in pipeline[1:]:
             words += ["|", *command]
-        run = subprocess.run(
-            words, env=self.stage.environment(), cwd=self.stage.folder, stdin=subprocess.DEVNULL,
-            stdout=subprocess.PIPE, text=True, check=True)  # fmt: skip
-        found = json.loads(run.stdout)
+        found = json.loads(self._printed_by(words))
         wanted = statuses or [0] * len(pipeline)
         if found["statuses"] != wanted:
             said = errors.read_text(errors="replace")[:1000]
             raise Failure(f"{pipeline}: exit {found['statuses']} instead of {wanted}: {said}")
         return Sample(found["wall"], found["cpu"], found["peak_kib"])
+
+    def _printed_by(self, words):
+        """What a command prints. It takes all that it has started with it when this is stopped."""
+        process = subprocess.Popen(
+            words, env=self.stage.environment(), cwd=self.stage.folder, stdin=subprocess.DEVNULL,
+            stdout=subprocess.PIPE, text=True, process_group=0)  # fmt: skip
+        try:
+            printed, _ = process.communicate()
+        except BaseException:
+            os.killpg(process.pid, signal.SIGKILL)
+            process.wait()
+            raise
+        if process.returncode:
+            raise subprocess.CalledProcessError(process.returncode, words)
+        return printed
 
     def in_turns(self, programs, rounds):
         """Runs each of the programs once a round; their samples by name.

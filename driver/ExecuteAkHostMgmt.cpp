@@ -112,8 +112,10 @@ int execute_akhostmgmt(int argc, char** argv) {
 }
 
 int execute_akhostmgmt_in(const char* directory, int argc, char** argv) {
-    Console::standard();  // takes the standard streams before anything else is opened
+    Console::standard();      // takes the standard streams before anything else is opened
+#ifndef __SANITIZE_ADDRESS__  // which is to see each value's end
     keepJsonUntilExit();
+#endif
     int localeStatus = 0;
     zvgetlocaleEx(&locale, &localeStatus);
 

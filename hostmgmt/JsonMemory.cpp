@@ -28,6 +28,9 @@ constexpr std::size_t roundedUp(std::size_t size, std::size_t unit) {
 class Arena {
 public:
     void* allocate(std::size_t size) {
+        if (size > longest) {
+            return nullptr;
+        }
         size = roundedUp(size, jsonAlignment);
         if (size > left_ && !takeBlock(size)) {
             return nullptr;
@@ -39,15 +42,12 @@ public:
     }
 
 private:
-    struct Header {
+    struct alignas(jsonAlignment) Header {
         Header* before;
     };
 
     /// The first block is small, since most replies are.
     bool takeBlock(std::size_t room) {
-        if (room > longest) {
-            return false;
-        }
         const std::size_t needed = room + sizeof(Header);
         const bool small = last_ == nullptr && needed <= smallBlock;
         const std::size_t size = small ? smallBlock : roundedUp(std::max(needed, largeBlock), page);

@@ -94,8 +94,10 @@ void putDate(char* to, sys_seconds wall) {
     put(to, hour < noon ? " AM" : " PM");
 }
 
-constexpr sys_seconds firstPlain = sys_days{std::chrono::year{1000} / 1 / 2};
-constexpr sys_seconds lastPlain = sys_days{std::chrono::year{9999} / 12 / 31};
+/// Between these the year has four digits in every zone; the C library knows offsets of up to
+/// 24:59:59 hours.
+constexpr sys_seconds firstPlain = sys_days{std::chrono::year{1000} / 1 / 3};
+constexpr sys_seconds lastPlain = sys_days{std::chrono::year{9999} / 12 / 30};
 
 }  // namespace
 

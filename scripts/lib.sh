@@ -45,19 +45,23 @@ install_packages() {
   "${apt[@]}" -q install -y --no-install-recommends "${missing[@]}"
 }
 
-# install_packages for packages that bring services, which are not to be started.
-install_packages_without_services() {
+# install_packages for nginx among others, without a web server that starts now or with the machine.
+# Where a policy on services is in force, that is left to it.
+install_packages_and_nginx() {
   local policy=/usr/sbin/policy-rc.d as=()
-  [ -n "$(missing_packages "$@")" ] || return 0
   [ "$(id -u)" -eq 0 ] || as=(sudo)
-  (
-    if [ ! -e "$policy" ]; then
-      trap '"${as[@]}" rm -f "$policy"' EXIT
-      # 101 is the answer that forbids it.
-      printf '#!/bin/sh\nexit 101\n' | "${as[@]}" tee "$policy" >/dev/null
-      "${as[@]}" chmod 755 "$policy"
-    fi
+  if [ -z "$(missing_packages nginx-core)" ] || [ -e "$policy" ] ||
+    ! command -v "${as[0]:-true}" >/dev/null; then
     install_packages "$@"
+    return
+  fi
+  (
+    trap '"${as[@]}" rm -f "$policy"' EXIT
+    # 101 is the answer that forbids a start.
+    printf '#!/bin/sh\nexit 101\n' | "${as[@]}" tee "$policy" >/dev/null
+    "${as[@]}" chmod 755 "$policy"
+    install_packages "$@"
+    "${as[@]}" deb-systemd-helper disable nginx.service >/dev/null 2>&1 || true
   )
 }
 

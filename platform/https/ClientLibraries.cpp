@@ -4,6 +4,9 @@
 #include "log/Report.h"
 
 #include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <system_error>
 
 // What the names of the libraries stand for.
 static_assert(LIBCURL_VERSION_MAJOR == 7 || LIBCURL_VERSION_MAJOR == 8);
@@ -16,8 +19,16 @@ namespace {
 
 ClientLibraries functions;
 
+/// Where the tool's own build of libcurl is: beside the program's folder. Empty when that cannot be
+/// told.
+std::string ownLibcurl() {
+    std::error_code failure;
+    const auto program = std::filesystem::read_symlink("/proc/self/exe", failure);
+    return failure ? "" : program.parent_path() / "../lib/akhostmgmt/libarkeon-curl.so";
+}
+
 bool findFunctions() {
-    SharedLibrary curl{"$ORIGIN/../lib/akhostmgmt/libarkeon-curl.so", "libcurl.so.4"};
+    SharedLibrary curl(ownLibcurl(), "libcurl.so.4");
     AKHOSTMGMT_FIND(curl, curl_global_init);
     AKHOSTMGMT_FIND(curl, curl_easy_init);
     AKHOSTMGMT_FIND(curl, curl_easy_reset);
@@ -33,11 +44,11 @@ bool findFunctions() {
     AKHOSTMGMT_FIND(curl, curl_slist_append);
     AKHOSTMGMT_FIND(curl, curl_slist_free_all);
 
-    SharedLibrary crypto{"libcrypto.so.3"};
+    SharedLibrary crypto("libcrypto.so.3");
     AKHOSTMGMT_FIND(crypto, OPENSSL_init_crypto);
     AKHOSTMGMT_FIND(crypto, CRYPTO_get_ex_new_index);
 
-    SharedLibrary ssl{"libssl.so.3"};
+    SharedLibrary ssl("libssl.so.3");
     AKHOSTMGMT_FIND(ssl, SSL_get_SSL_CTX);
     AKHOSTMGMT_FIND(ssl, SSL_CTX_set_info_callback);
     AKHOSTMGMT_FIND(ssl, SSL_CTX_set_ex_data);
@@ -54,7 +65,7 @@ bool makeReady() {
     const bool ready = functions.OPENSSL_init_crypto(settings, nullptr) == 1 &&
                        functions.curl_global_init(CURL_GLOBAL_ALL) == CURLE_OK;
     if (!ready) {
-        report({"libcurl cannot be used"});
+        report({"libcurl and OpenSSL cannot be made ready"});
     }
     return ready;
 }

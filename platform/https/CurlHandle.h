@@ -12,7 +12,7 @@ namespace arkeon {
 /// program has one thread.
 class CurlHandle {
 public:
-    /// The handle for this server and port; the client's libraries are loaded.
+    /// The handle for this server and port. The client's libraries must have been loaded.
     static CurlHandle& forServer(const std::string& server, int port);
 
     /// Null when libcurl had no memory for it.

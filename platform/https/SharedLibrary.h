@@ -1,19 +1,22 @@
 #pragma once
 
-#include <initializer_list>
+#include <string>
 
 namespace arkeon {
 
-/// A shared library that is loaded while the program runs, and never unloaded.
+/// A shared library that is loaded while the program runs, and never unloaded. Why one cannot be
+/// used is in the debug log.
 class SharedLibrary {
 public:
-    /// The first of `names` that can be loaded. A name is what a program linked with the library
-    /// asks the loader for ("libcurl.so.4"), or a path that may begin with "$ORIGIN", the program's
-    /// folder. Why none can be loaded is in the debug log.
-    SharedLibrary(std::initializer_list<const char*> names);
+    /// `name` is what a program linked with the library asks the loader for, "libssl.so.3".
+    explicit SharedLibrary(const char* name);
 
-    /// Sets `function` to the library's function of that name. Why that cannot be had is in the
-    /// debug log; `function` then stays as it is.
+    /// The file at `path` if it is there and nobody but the superuser and the process's own user
+    /// can change it; else the library of that name.
+    SharedLibrary(const std::string& path, const char* name);
+
+    /// Sets `function` to the library's function of that name; where there is none, `function`
+    /// stays as it is.
     template <typename Function>
     void find(const char* name, Function& function) {
         if (void* address = find(name); address != nullptr) {
@@ -26,9 +29,8 @@ public:
 
 private:
     void* find(const char* name);
-    void note(const char* failure);
 
-    void* handle_ = nullptr;
+    void* handle_;
     bool complete_ = true;
 };
 

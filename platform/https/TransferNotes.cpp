@@ -35,13 +35,12 @@ std::size_t expectedLength(CURL* handle) {
     return !compressed ? length : length < SIZE_MAX / compression ? length * compression : SIZE_MAX;
 }
 
-/// Takes the room for the whole body at once: a large one need not be moved as it grows. Memory
-/// that is taken and not written to costs nothing.
+/// Takes the room for the whole body at once, so that a large one need not be moved as it grows.
+/// Only what is written to takes memory. Where so much room cannot be had, the body grows.
 void makeRoom(TransferNotes& notes) {
     try {
         notes.body.reserve(std::min(expectedLength(notes.handle), notes.bodyLimit));
     } catch (const std::exception&) {
-        // What arrives may be shorter; if not, its end finds no room.
         return;
     }
 }

@@ -57,6 +57,7 @@ TEST_F(JsonMemory, APieceMayBeLargerThanABlock) {
 }
 
 TEST_F(JsonMemory, MemoryThatCannotBeHadIsRefused) {
+    EXPECT_NE(allocate_(1), nullptr);
     for (const std::size_t size : {SIZE_MAX, SIZE_MAX - 8, SIZE_MAX / 2, SIZE_MAX / 4}) {
         EXPECT_EQ(allocate_(size), nullptr) << size;
     }
@@ -78,8 +79,14 @@ TEST_F(JsonMemory, ValuesOutliveTheirRelease) {
     EXPECT_EQ(dumped(values), text);
 }
 
-TEST(JsonMemoryOfTests, IsReleasedWithoutTheArena) {
+TEST(JsonMemoryNotAskedFor, LeavesValuesToTheirReferences) {
     EXPECT_FALSE(jsonIsKeptUntilExit());
+    const JsonRef first(json_object());
+    {
+        const JsonRef second(json_incref(first.get()));
+        EXPECT_EQ(first->refcount, 2U);
+    }
+    EXPECT_EQ(first->refcount, 1U);
 }
 
 }  // namespace

@@ -80,6 +80,16 @@ bool allAreRight() {
 
 class LocalDateZone : public testing::TestWithParam<const char*> {};
 
+TEST(LocalDate, TheYearIsTheLibrarysFarInTheWestToo) {
+    const support::ScopedVariable zone("TZ", "XXX24:59:59");
+    EXPECT_EQ(dateText(-30610137600000), byTheLibrary(-30610137600));
+}
+
+TEST(LocalDate, TheYearIsTheLibrarysFarInTheEastToo) {
+    const support::ScopedVariable zone("TZ", "XXX-24:59:59");
+    EXPECT_EQ(dateText(253402214399000), byTheLibrary(253402214399));
+}
+
 /// In a process of its own, which asks for no other zone.
 TEST_P(LocalDateZone, IsWhatTheLibrarySays) {
     EXPECT_EXIT(

@@ -2,7 +2,9 @@
 #include "https/ClientLimits.h"
 #include "platform/HttpsFixture.h"
 
+#include <algorithm>
 #include <gmock/gmock.h>
+#include <random>
 #include <zlib.h>
 
 using support::Ending;
@@ -181,6 +183,18 @@ INSTANTIATE_TEST_SUITE_P(
             "NotGzip", "HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\nContent-Length: 3\r\n\r\nabc",
             Ending::keep, status::clientFailure, 0, ""}),
     testing::PrintToStringParamName());
+
+TEST_F(HttpsTest, ABodyThatWasHardlyCompressedKeepsNoRoom) {
+    std::mt19937 random(20261121);
+    std::string body(100'000, '\0');
+    std::generate(body.begin(), body.end(), [&random] { return static_cast<char>(random()); });
+    TlsScriptServer server(goodSettings(), {{gzipReply(body)}});
+    AKClientCURL client("127.0.0.1", server.port(), 1, AKCurlSessionType::rest, nullptr);
+    ASSERT_EQ(client.Get("hosts"), 0) << log_.text();
+    const std::string taken = client.takeBody();
+    EXPECT_EQ(taken, body);
+    EXPECT_LE(taken.capacity(), 2 * body.size());
+}
 
 /// A limit of 1000 bytes for the decoded body.
 class HttpsReplySizeTest : public HttpsTest {
