@@ -1,7 +1,6 @@
 #include "hostmgmt/JsonMemory.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <cstdlib>
 #include <jansson.h>
 #include <new>
@@ -16,8 +15,8 @@ constexpr std::size_t page = 4096;
 constexpr std::size_t largeBlock = std::size_t{1024} * 1024;
 constexpr std::size_t smallBlock = std::size_t{64} * 1024;
 
-/// No single allocation is larger; far beyond what a reply takes.
-constexpr std::size_t longest = PTRDIFF_MAX / 2;
+/// No single piece is larger; a reply has 2 GiB at most.
+constexpr std::size_t longest = std::size_t{64} * 1024 * 1024 * 1024;
 
 constexpr std::size_t roundedUp(std::size_t size, std::size_t unit) {
     return (size + unit - 1) / unit * unit;

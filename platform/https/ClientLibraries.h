@@ -9,8 +9,9 @@ namespace arkeon {
 ///
 /// The libraries are loaded when the first request is made: with those that they bring along they
 /// take longer to load than all else that a run without a request does. Where the tool's own build
-/// of libcurl is beside the program (../lib/akhostmgmt), it is taken in place of the system's,
-/// which brings along some thirty libraries that no request of the tool uses.
+/// of libcurl is beside the program (../lib/akhostmgmt) and nobody but the superuser and the
+/// process's own user can change it, it is taken in place of the system's, which brings along some
+/// thirty libraries that no request of the tool uses.
 struct ClientLibraries {
     decltype(&::curl_global_init) curl_global_init = nullptr;
     decltype(&::curl_easy_init) curl_easy_init = nullptr;
