@@ -10,7 +10,7 @@
 namespace arkeon {
 namespace {
 
-void* open(const char* name) {
+void* load(const char* name) {
     void* handle = dlopen(name, RTLD_LAZY | RTLD_LOCAL);
     if (handle == nullptr) {
         report({dlerror()});
@@ -26,8 +26,8 @@ bool othersCanChange(int file) {
 }
 
 /// What is loaded is the very file that was looked at: its folder may belong to somebody else.
-void* openTrusted(const std::string& path) {
-    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+void* loadTrusted(const std::string& path) {
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
     if (file < 0) {
         return nullptr;
     }
@@ -35,7 +35,7 @@ void* openTrusted(const std::string& path) {
     if (othersCanChange(file)) {
         report({path, ": not loaded, since others could have changed it"});
     } else {
-        handle = open(("/proc/self/fd/" + std::to_string(file)).c_str());
+        handle = load(("/proc/self/fd/" + std::to_string(file)).c_str());
     }
     close(file);
     return handle;
@@ -43,13 +43,13 @@ void* openTrusted(const std::string& path) {
 
 }  // namespace
 
-SharedLibrary::SharedLibrary(const char* name) : handle_(open(name)) {
+SharedLibrary::SharedLibrary(const char* name) : handle_(load(name)) {
     complete_ = handle_ != nullptr;
 }
 
 SharedLibrary::SharedLibrary(const std::string& path, const char* name)
-    : handle_(openTrusted(path)) {
-    handle_ = handle_ == nullptr ? open(name) : handle_;
+    : handle_(loadTrusted(path)) {
+    handle_ = handle_ == nullptr ? load(name) : handle_;
     complete_ = handle_ != nullptr;
 }
 
