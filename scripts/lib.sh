@@ -61,7 +61,7 @@ install_packages_and_nginx() {
     printf '#!/bin/sh\nexit 101\n' | "${as[@]}" tee "$policy" >/dev/null
     "${as[@]}" chmod 755 "$policy"
     install_packages "$@"
-    "${as[@]}" deb-systemd-helper disable nginx.service >/dev/null 2>&1 || true
+    "${as[@]}" /usr/sbin/update-rc.d nginx disable
   )
 }
 
