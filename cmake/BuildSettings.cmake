@@ -30,10 +30,11 @@ target_compile_options(akhostmgmt_coverage INTERFACE --coverage -fprofile-update
 target_link_options(akhostmgmt_coverage INTERFACE --coverage)
 
 # What the tool itself is linked with besides: its start takes less time without the shared C++
-# library, and the sanitizers want the shared one.
+# library and with fewer pages; the sanitizers want the shared one.
 add_library(akhostmgmt_program INTERFACE)
 target_link_options(akhostmgmt_program INTERFACE
-  $<$<NOT:$<BOOL:${AKHOSTMGMT_SANITIZE}>>:-static-libstdc++ -static-libgcc>)
+  $<$<NOT:$<BOOL:${AKHOSTMGMT_SANITIZE}>>:-static-libstdc++ -static-libgcc>
+  -Wl,--gc-sections)
 
 add_library(akhostmgmt_settings INTERFACE)
 target_link_libraries(akhostmgmt_settings INTERFACE
