@@ -112,10 +112,12 @@ int execute_akhostmgmt(int argc, char** argv) {
 }
 
 int execute_akhostmgmt_in(const char* directory, int argc, char** argv) {
-    Console::standard();      // takes the standard streams before anything else is opened
-#ifndef __SANITIZE_ADDRESS__  // which is to see each value's end
+    Console::standard();  // takes the standard streams before anything else is opened
+    // The sanitizers are to see each value's end.
+#ifndef __SANITIZE_ADDRESS__
     keepJsonUntilExit();
 #endif
+
     int localeStatus = 0;
     zvgetlocaleEx(&locale, &localeStatus);
 

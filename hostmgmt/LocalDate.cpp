@@ -34,9 +34,8 @@ std::optional<sys_seconds> wallClock(sys_seconds time) {
 /// How far the clock on the wall is ahead of UTC on one day; nothing for a day on which that
 /// changes.
 struct DayOffset {
-    sys_days day{};
+    sys_days day = sys_days::max();
     std::optional<seconds> ahead;
-    bool known = false;
 };
 
 DayOffset offsetOf(sys_days day) {
@@ -44,7 +43,7 @@ DayOffset offsetOf(sys_days day) {
     const sys_seconds end = begin + days{1} - seconds{1};
     const auto wallBegin = wallClock(begin);
     const auto wallEnd = wallClock(end);
-    DayOffset offset{day, std::nullopt, true};
+    DayOffset offset{day, std::nullopt};
     if (wallBegin && wallEnd && *wallBegin - begin == *wallEnd - end) {
         offset.ahead = *wallBegin - begin;
     }
@@ -56,7 +55,7 @@ const DayOffset& cachedOffset(sys_days day) {
     static std::array<DayOffset, 4096> cache;
     DayOffset& entry =
         cache[static_cast<std::uint64_t>(day.time_since_epoch().count()) % cache.size()];
-    if (!entry.known || entry.day != day) {
+    if (entry.day != day) {
         entry = offsetOf(day);
     }
     return entry;

@@ -184,10 +184,7 @@ int Exchange::finish(CURLcode result, Reply& reply) {
     long httpStatus = 0;
     client().curl_easy_getinfo(handle_.get(), CURLINFO_RESPONSE_CODE, &httpStatus);
     reply.httpStatus = static_cast<int>(httpStatus);
-    reply.body = std::move(handle_.notes().body);
-    if (reply.body.size() < reply.body.capacity() / 2) {
-        reply.body.shrink_to_fit();  // room that was taken for more than came
-    }
+    reply.body = takeBody(handle_.notes());
     return status::success;
 }
 

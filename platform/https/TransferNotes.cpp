@@ -3,10 +3,10 @@
 #include "https/ClientLibraries.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <exception>
 #include <string_view>
 #include <sys/socket.h>
+#include <utility>
 
 namespace arkeon {
 namespace {
@@ -19,8 +19,9 @@ TransferNotes& notesOf(void* data) {
     return *static_cast<TransferNotes*>(data);
 }
 
-/// How long the decoded body is likely to be at most; 0 when the reply's head does not tell.
-std::size_t expectedLength(CURL* handle) {
+/// How long the decoded body is likely to be, `most` at most; 0 when the reply's head does not
+/// tell.
+std::size_t expectedLength(CURL* handle, std::size_t most) {
     constexpr std::size_t compression = 16;  // more than listings are compressed
     curl_off_t announced = 0;
     curl_header* coding = nullptr;
@@ -31,15 +32,15 @@ std::size_t expectedLength(CURL* handle) {
     const bool compressed =
         client().curl_easy_header(handle, "Content-Encoding", 0, CURLH_HEADER, -1, &coding) ==
         CURLHE_OK;
-    const auto length = static_cast<std::size_t>(announced);
-    return !compressed ? length : length < SIZE_MAX / compression ? length * compression : SIZE_MAX;
+    const std::size_t length = std::min(static_cast<std::size_t>(announced), most);
+    return compressed ? std::min(length * compression, most) : length;
 }
 
 /// Takes the room for the whole body at once, so that a large one need not be moved as it grows.
 /// Only what is written to takes memory. Where so much room cannot be had, the body grows.
 void makeRoom(TransferNotes& notes) {
     try {
-        notes.body.reserve(std::min(expectedLength(notes.handle), notes.bodyLimit));
+        notes.body.reserve(expectedLength(notes.handle, notes.bodyLimit));
     } catch (const std::exception&) {
         return;
     }
@@ -167,6 +168,13 @@ CURLcode takeNotes(CURL* handle, TransferNotes& notes) {
         }
     }
     return CURLE_OK;
+}
+
+std::string takeBody(TransferNotes& notes) {
+    if (notes.body.size() < notes.body.capacity() / 2) {
+        notes.body.shrink_to_fit();
+    }
+    return std::move(notes.body);
 }
 
 }  // namespace arkeon

@@ -27,4 +27,7 @@ struct TransferNotes {
 /// @return CURLE_OK or the first option's failure
 CURLcode takeNotes(CURL* handle, TransferNotes& notes);
 
+/// The body that arrived, without most of the room that was taken for a longer one.
+std::string takeBody(TransferNotes& notes);
+
 }  // namespace arkeon
