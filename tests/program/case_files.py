@@ -1,6 +1,7 @@
 """Cases as they stand in TOML files: defaults laid under them and texts built from their parts."""
 
 import gzip
+import itertools
 import json
 import pathlib
 import re
@@ -99,17 +100,29 @@ def _with_defaults(request, every, by_method):
     return _merge(_merge(every, by_method.get(method, {})), request)
 
 
+def _products(products, factors):
+    """For each row of `product` every combination of a row of each of its factors."""
+    for product in products:
+        _check_keys(product, {"factors"}, "a product")
+        for rows in itertools.product(*(factors[name] for name in product["factors"])):
+            case = {}
+            for row in rows:
+                case = _merge(case, row)
+            yield case | {"name": ": ".join(row["name"] for row in rows)}
+
+
 def load(path):
     """A file's cases with the defaults laid under them, their texts, and every run's files."""
     path = pathlib.Path(path)
     shared = tomllib.loads((FOLDER / "defaults.toml").read_text())
     own = tomllib.loads(path.read_text())
-    _check_keys(own, {"defaults", "texts", "case"}, path.name)
+    _check_keys(own, {"defaults", "texts", "case", "factor", "product"}, path.name)
     defaults = _merge(shared["defaults"], own.get("defaults", {}))
     texts = Texts(_merge(shared["texts"], own.get("texts", {})), path.parent)
     request_defaults, by_method = defaults.pop("request"), defaults.pop("request_by_method")
     cases = []
-    for written in own["case"]:
+    products = _products(own.get("product", []), own.get("factor", {}))
+    for written in itertools.chain(own.get("case", []), products):
         case = _merge(defaults, written)
         case["requests"] = [
             _with_defaults(each, request_defaults, by_method) for each in case["requests"]
