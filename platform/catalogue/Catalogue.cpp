@@ -1,6 +1,7 @@
 #include "arkeon/catalogue.h"
 
 #include "arkeon/text.h"
+#include "catalogue/CatalogueFile.h"
 #include "catalogue/Placeholders.h"
 #include "catalogue/Translate.h"
 #include "config/Paths.h"
@@ -23,9 +24,17 @@ void setCategory(int category, char* name, std::size_t size) {
     boundedCopy(name, size, chosen);
 }
 
-void bindCatalogue() {
-    bindtextdomain(domain, (rootDirectory() + "/locale").c_str());
-    bind_textdomain_codeset(domain, "UTF-8");
+/// Tells gettext where the catalogues are; again when the root has changed. All texts are the
+/// default ones when a catalogue is not sound.
+void bindCatalogues() {
+    static std::string bound;
+    const std::string folder = rootDirectory() + "/locale";
+    if (folder != bound) {
+        constexpr const char* nowhere = "/dev/null";
+        bindtextdomain(domain, cataloguesAreSound(folder) ? folder.c_str() : nowhere);
+        bind_textdomain_codeset(domain, "UTF-8");
+        bound = folder;
+    }
 }
 
 /// gettext looks up in the process's locale: makes that one the caller's.
@@ -41,6 +50,7 @@ const char* translate(const zvlocale& locale, const char* context, const char* k
     // The form in which msgfmt stores a text that has a context.
     constexpr char contextEnd = '\004';
     useLanguage(locale);
+    bindCatalogues();
     const std::string contextAndKey = std::string(context) + contextEnd + key;
     const char* text = dgettext(domain, contextAndKey.c_str());
     return text == contextAndKey.c_str() ? nullptr : text;
@@ -51,7 +61,6 @@ const char* translate(const zvlocale& locale, const char* context, const char* k
 int zvgetlocaleEx(zvlocale* locale, int* status) {
     arkeon::setCategory(LC_MESSAGES, locale->messages, sizeof locale->messages);
     arkeon::setCategory(LC_CTYPE, locale->characters, sizeof locale->characters);
-    arkeon::bindCatalogue();
     *status = 0;
     return *status;
 }

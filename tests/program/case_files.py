@@ -5,6 +5,7 @@ import itertools
 import json
 import pathlib
 import re
+import runpy
 import tomllib
 
 FOLDER = pathlib.Path(__file__).resolve().parent
@@ -14,7 +15,7 @@ KEYS = {
     "name", "args", "argv0", "stdin", "stdin_from", "environment", "dialogue", "tty",
     "stdout_to", "stderr_to", "ignores_sigpipe", "files", "server", "replies", "timeout",
     "stdout", "stderr", "stderr_begins", "status", "signal", "requests", "connections",
-    "log", "log_is", "log_absent", "absent_files",
+    "log", "log_is", "log_absent", "absent_files", "unprivileged",
 }  # fmt: skip
 REPLY_KEYS = {"status", "json", "body", "type", "headers", "coding", "raw", "then"}
 REQUEST_KEYS = {"method", "target", "headers", "body"}
@@ -111,11 +112,18 @@ def _products(products, factors):
             yield case | {"name": ": ".join(row["name"] for row in rows)}
 
 
+def _content(path):
+    """What a case file holds: TOML, or a Python program's CASES of the same form."""
+    if path.suffix == ".py":
+        return runpy.run_path(str(path))["CASES"]
+    return tomllib.loads(path.read_text())
+
+
 def load(path):
     """A file's cases with the defaults laid under them, their texts, and every run's files."""
     path = pathlib.Path(path)
     shared = tomllib.loads((FOLDER / "defaults.toml").read_text())
-    own = tomllib.loads(path.read_text())
+    own = _content(path)
     _check_keys(own, {"defaults", "texts", "case", "factor", "product"}, path.name)
     defaults = _merge(shared["defaults"], own.get("defaults", {}))
     texts = Texts(_merge(shared["texts"], own.get("texts", {})), path.parent)

@@ -12,9 +12,11 @@ import queue
 import re
 import resource
 import secrets
+import shutil
 import signal
 import sys
 import tempfile
+import threading
 
 import case_files
 import sandbox
@@ -48,9 +50,21 @@ class Stage:
         addresses = [scripted_server.random_address() for _ in range(4 * options.jobs)]
         self.certificates = sandbox.Certificates(options.devserver, folder / "ours", addresses)
         self.stranger = sandbox.Certificates(options.devserver, folder / "strangers", addresses)
+        self._copying = threading.Lock()
         self._free = queue.SimpleQueue()
         for address in addresses:
             self._free.put(address)
+
+    def tool_for(self, case):
+        """The tool; for another user a copy that everybody can reach."""
+        if not case.get("unprivileged") or os.geteuid() != 0:
+            return self.tool
+        with self._copying:
+            copy = self.folder / "tool"
+            if not copy.exists():
+                self.folder.chmod(0o711)
+                shutil.copy(self.tool, copy)
+        return copy
 
     def listener(self, kind):
         """An address and a socket that listens there; the socket is None for "none"."""
@@ -100,10 +114,12 @@ def run_case(stage, case, texts, standard_files):
             known |= stage.defined
             box = sandbox.Sandbox(folder, known, stage.certificates, stage.stranger)
             box.make_files(standard_files + case["files"], texts)
+            if case.get("unprivileged") and os.geteuid() == 0:
+                box.give_to(sandbox.NOBODY)
             serves = listener and kind != "silent"  # a silent listener leaves clients waiting
             server = stage.server(case, listener, texts, known) if serves else None
             try:
-                run = start(stage.tool, case, texts, known, folder)
+                run = start(stage.tool_for(case), case, texts, known, folder)
             finally:
                 if server:
                     server.stop()

@@ -2,6 +2,7 @@
 
 import os
 import shutil
+import socket
 import struct
 import subprocess
 import termios
@@ -10,6 +11,7 @@ import time
 import tomllib
 import tty
 
+NOBODY = 65534  # who runs what must not be run as root
 STREAMS = {"pipe", "closed", "closed pipe", "/dev/full"}
 INPUTS = {"pipe", "closed", "unreadable"}
 
@@ -44,6 +46,15 @@ def compiled_catalogue(messages):
     return head + tables + b"".join(text + b"\0" for text in texts)
 
 
+def bind_socket(path):
+    """A socket in the file system that nobody listens at."""
+    with socket.socket(socket.AF_UNIX) as unix:
+        unix.bind(str(path))
+
+
+KINDS = {"fifo": os.mkfifo, "folder": os.mkdir, "socket": bind_socket}
+
+
 class Sandbox:
     """The folder that a run sees: root, config, home and logs."""
 
@@ -58,9 +69,16 @@ class Sandbox:
             shutil.copy(kept.authority, folder / f"root/certs/{prefix}ca.pem")
             os.chmod(folder / f"root/certs/{prefix}host.key", 0o600)
 
+    def give_to(self, user):
+        """Makes the whole folder another user's, with the group of the same number."""
+        for path in (self.folder, *self.folder.rglob("*")):
+            os.chown(path, user, user, follow_symlinks=False)
+
     def make_files(self, files, texts):
         for row in files:
             path = self.folder / texts.string(row["path"], self.known)
+            if "moved_to" in row:
+                path.rename(self.folder / row["moved_to"])
             if set(row) - {"path", "mode"}:
                 self._remove(path)
                 path.parent.mkdir(parents=True, exist_ok=True)
@@ -84,10 +102,11 @@ class Sandbox:
             path.hardlink_to(self.folder / row["hard_link"])
         elif "catalogue" in row:
             path.write_bytes(compiled_catalogue(self._messages(row, texts)))
-        elif row.get("kind") == "fifo":
-            os.mkfifo(path)
-        elif row.get("kind") == "folder":
-            path.mkdir()
+        elif "size" in row:
+            path.touch()
+            os.truncate(path, row["size"])
+        elif "kind" in row:
+            KINDS[row["kind"]](path)
 
     def _messages(self, row, texts):
         rows = row["catalogue"]
@@ -158,11 +177,13 @@ class Run:
         self._ended = threading.Event()
         self._typed = "stdin" in terminals
         keyboard, child = standard_input(case["stdin_from"], self._typed)
+        user = NOBODY if case.get("unprivileged") and os.geteuid() == 0 else None
         process = subprocess.Popen(
             self._command(tool, case, arguments),
             executable=None if self._closes(case) else tool,
             stdin=child, stdout=self.out.child, stderr=self.err.child,
             env=environment, cwd=folder, restore_signals=not case.get("ignores_sigpipe"),
+            user=user, group=user, extra_groups=None if user is None else [],
         )  # fmt: skip
         os.close(child)
         self.out.started()

@@ -1,6 +1,7 @@
 #pragma once
 
-/// Translated texts on GNU gettext: domain `akhostmgmt`, catalogues below `<root>/locale`, UTF-8.
+/// Translated texts on GNU gettext: domain `akhostmgmt`, catalogues below `<root>/locale`, UTF-8. A
+/// catalogue that is no regular file or damaged makes all texts the default ones.
 
 /// The locale that the environment asks for.
 struct zvlocale {
