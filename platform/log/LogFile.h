@@ -20,7 +20,7 @@ public:
     int open(const std::string& path, mode_t mode);
 
     /// Appends `line` with a single write(2), reopening the file for it when it was released. Does
-    /// nothing when no file was ever opened; failures are dropped.
+    /// nothing when no file was ever opened; failures are dropped, and with them the whole line.
     void append(std::string_view line);
 
     /// Closes the descriptor and keeps the path.

@@ -14,7 +14,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <regex>
-#include <set>
 #include <sstream>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -23,6 +22,7 @@
 
 using support::LogReader;
 using support::TempDir;
+using testing::Each;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::SizeIs;
@@ -157,6 +157,15 @@ TEST(DebugLog, WithoutAnOpenLogNothingHappens) {
 }
 
 /// Opens a log in a folder of its own.
+std::vector<std::string> linesOf(const std::string& path) {
+    std::istringstream text(support::contentOf(path));
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(text, line);) {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
 class OpenDebugLogTest : public testing::Test {
 public:
     ~OpenDebugLogTest() override { close_debug_log(); }
@@ -274,22 +283,48 @@ TEST_F(OpenDebugLogTest, LogThatIsGoneOrFullChangesNothing) {
     EXPECT_FALSE(std::filesystem::exists(path_));
 }
 
-[[noreturn]] void logOverTheLimit() {
-    rlimit before{};
-    getrlimit(RLIMIT_FSIZE, &before);
-    const rlimit limit{100, before.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &limit);
+/// While the object lives, no file of the process may grow beyond 100 bytes.
+class FullDisk {
+public:
+    FullDisk() {
+        getrlimit(RLIMIT_FSIZE, &before_);
+        const rlimit limit{100, before_.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FullDisk() { setrlimit(RLIMIT_FSIZE, &before_); }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+
+private:
+    rlimit before_{};
+};
+
+void logOverTheLimit() {
+    const FullDisk disk;
     for (int lines = 0; lines < 10; ++lines) {
         logmsg(2, "a line that will not fit for long", "name");
     }
-    setrlimit(RLIMIT_FSIZE, &before);
+}
+
+[[noreturn]] void logOverTheLimitAndExit() {
+    logOverTheLimit();
     std::exit(0);
 }
 
 TEST_F(OpenDebugLogTest, LogThatMayNotGrowDoesNotEndTheProcess) {
     EXPECT_GE(openLog(), 0);
-    EXPECT_EXIT(logOverTheLimit(), testing::ExitedWithCode(0), "");
-    EXPECT_EQ(std::filesystem::file_size(path_), 100U);
+    EXPECT_EXIT(logOverTheLimitAndExit(), testing::ExitedWithCode(0), "");
+    EXPECT_EQ(linesOf(path_).size(), 1U);
+}
+
+TEST_F(OpenDebugLogTest, LineThatAFullDiskCutsIsTakenBack) {
+    EXPECT_GE(openLog(), 0);
+    logOverTheLimit();
+    logmsg(2, "after", "name");
+    const std::vector<std::string> lines = linesOf(path_);
+    ASSERT_EQ(lines.size(), 2U) << support::contentOf(path_);
+    EXPECT_TRUE(lines[0].ends_with(": a line that will not fit for long"));
+    EXPECT_TRUE(lines[1].ends_with(": after"));
 }
 
 [[noreturn]] void logWithClosedStreams(const std::string& folder) {
@@ -308,26 +343,28 @@ TEST_F(OpenDebugLogTest, LogDoesNotTakeThePlaceOfAClosedStream) {
     EXPECT_TRUE(support::contentOf(path_).ends_with(": text\n"));
 }
 
-constexpr int writers = 8;
-constexpr std::size_t linesEach = 500;
+constexpr int writers = 64;
+constexpr std::size_t linesEach = 1000;
 
-/// Up to 5000 bytes, more than a page of memory.
-std::size_t filling(std::size_t line) {
-    return line * 10;
+/// Every hundredth line is longer than a page of memory.
+std::string writtenLine(std::size_t number) {
+    const std::size_t filling = number % 100 == 99 ? 5000 : number % 100;
+    return std::to_string(number) + ' ' + std::string(filling, 'x') + " end";
 }
 
+/// Half of the writers open the log for every line anew.
 [[noreturn]] void writeLines(int writer) {
+    if (writer % 2 == 1) {
+        close_debug_log();
+    }
     const std::string name = "writer" + std::to_string(writer);
     for (std::size_t line = 0; line < linesEach; ++line) {
-        const std::string text =
-            std::to_string(line) + ' ' + std::string(filling(line), 'x') + " end";
-        logmsg(2, text.c_str(), name.c_str());
+        logmsg(2, writtenLine(line).c_str(), name.c_str());
     }
     _exit(0);
 }
 
-TEST(DebugLog, LinesOfSeveralProcessesNeverMix) {
-    const LogReader log;
+void runWriters() {
     std::vector<pid_t> children;
     for (int writer = 0; writer < writers; ++writer) {
         const pid_t child = fork();
@@ -341,21 +378,22 @@ TEST(DebugLog, LinesOfSeveralProcessesNeverMix) {
         EXPECT_EQ(waitpid(child, &status, 0), child);
         EXPECT_EQ(status, 0);
     }
-    std::set<std::string> seen;
+}
+
+TEST(DebugLog, LinesOfSeveralProcessesNeverMix) {
+    const LogReader log;
+    runWriters();
+    std::vector<std::size_t> next(writers);
+    const std::string beforeNumber = " 2 writer";
     for (const std::string& line : log.lines()) {
-        std::istringstream words(line);
-        std::string time, process, level, name, filler, end;
-        std::size_t number = 0;
-        words >> time >> process >> level >> name >> number;
-        if (number > 0) {
-            words >> filler;
-        }
-        words >> end;
-        ASSERT_EQ(filler, std::string(filling(number), 'x')) << line;
-        ASSERT_EQ(end, "end") << line;
-        seen.insert(name + std::to_string(number));
+        const std::size_t name = line.find(beforeNumber);
+        const std::size_t text = line.find(": ");
+        ASSERT_LT(name, text) << line;
+        std::size_t& number = next.at(std::stoul(line.substr(name + beforeNumber.size())));
+        ASSERT_EQ(line.substr(text + 2), writtenLine(number)) << line;
+        ++number;
     }
-    EXPECT_THAT(seen, SizeIs(writers * linesEach));
+    EXPECT_THAT(next, Each(linesEach));
 }
 
 TEST(LogLine, TimeIsLocalWithMillisecondsAndOffset) {
