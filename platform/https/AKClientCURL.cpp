@@ -2,6 +2,7 @@
 
 #include "arkeon/LoginWithUserTokenManager.h"
 #include "arkeon/status.h"
+#include "https/PrivateMemory.h"
 #include "https/RequestText.h"
 #include "https/ServerAddress.h"
 #include "https/Transfer.h"
@@ -80,6 +81,7 @@ int AKClientCURL::Session::sendChecked(
     }
     arkeon::Credentials credentials;
     if (result == status::success) {
+        arkeon::keepMemoryPrivate();
         result = arkeon::readCredentials(certType, server, credentials);
     }
     if (result == status::success) {

@@ -119,7 +119,7 @@ def run_case(stage, case, texts, standard_files):
             serves = listener and kind != "silent"  # a silent listener leaves clients waiting
             server = stage.server(case, listener, texts, known) if serves else None
             try:
-                run = start(stage.tool_for(case), case, texts, known, folder)
+                run = start(stage.tool_for(case), case, texts, known, folder, server)
             finally:
                 if server:
                     server.stop()
@@ -130,14 +130,14 @@ def run_case(stage, case, texts, standard_files):
         stage.give_back(address, kind)
 
 
-def start(tool, case, texts, known, folder):
+def start(tool, case, texts, known, folder, server):
     environment = {"PATH": os.environ["PATH"]}
     for variable, value in case["environment"].items():
         if value is not False:
             environment[variable] = texts.string(value, known)
     arguments = [texts.bytes(each, known) for each in case["args"]]
     stdin = texts.bytes(case["stdin"], known)
-    return sandbox.Run(tool, case, arguments, stdin, environment, folder)
+    return sandbox.Run(tool, case, arguments, stdin, environment, folder, server)
 
 
 class Verdict:
@@ -160,11 +160,19 @@ class Verdict:
         for name in self._case.get("absent_files", []):
             if os.path.lexists(box.folder / name):
                 self._found.append(f"the file {name} is there")
-        secret = self._known["token"]
-        for name, text in (("stdout", run.out.data), ("stderr", run.err.data), ("log", log)):
-            if secret in str(text):
-                self._found.append(f"the token is in {name}")
+        self._same_bytes("seen", self._bytes(self._case.get("seen", "")), run.seen)
+        self._secret(run, box)
         return self._found
+
+    def _secret(self, run, box):
+        """The token is in no output and in no file but the user's logins."""
+        secret = self._known["token"].encode()
+        places = {"stdout": run.out.data, "stderr": run.err.data}
+        for path in box.folder.rglob("*"):
+            if path.name != "logins.json" and path.is_file() and not path.is_symlink():
+                with path.open("rb") as file:
+                    places[path] = file.read(64 << 20)
+        self._found += [f"the token is in {name}" for name, text in places.items() if secret in text]
 
     def _bytes(self, value):
         return self._texts.bytes(value, self._known)
@@ -282,7 +290,8 @@ def main():
     if options.list:
         print("\n".join(label for label, *_ in chosen))
         return 0
-    resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
+    _, most = resource.getrlimit(resource.RLIMIT_CORE)
+    resource.setrlimit(resource.RLIMIT_CORE, (0, most))  # the aborted runs that are expected
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))  # so that the folder goes
     failed = run_all(options, chosen)
     print(f"{len(chosen) - failed} passed, {failed} failed")

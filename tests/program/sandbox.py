@@ -1,7 +1,10 @@
 """One run of the tool: a folder of its own, a clean environment, and its three streams."""
 
 import os
+import pathlib
+import resource
 import shutil
+import signal
 import socket
 import struct
 import subprocess
@@ -166,9 +169,13 @@ class Stream:
 
 
 class Run:
-    """The tool's run and what came of it: `status` (negative: the signal), outputs, `pid`."""
+    """The tool's run and what came of it: `status` (negative: the signal), outputs, `pid`.
 
-    def __init__(self, tool, case, arguments, stdin, environment, folder):
+    `killed_by` strikes once `server` has got the requests of the case; `seen` is what others can
+    see of the process then.
+    """
+
+    def __init__(self, tool, case, arguments, stdin, environment, folder, server):
         terminals = case.get("tty", [])
         self.out = Stream(case["stdout_to"], "stdout" in terminals)
         self.err = Stream(case["stderr_to"], "stderr" in terminals)
@@ -184,6 +191,7 @@ class Run:
             stdin=child, stdout=self.out.child, stderr=self.err.child,
             env=environment, cwd=folder, restore_signals=not case.get("ignores_sigpipe"),
             user=user, group=user, extra_groups=None if user is None else [],
+            preexec_fn=allow_core_file if "killed_by" in case else None,
         )  # fmt: skip
         os.close(child)
         self.out.started()
@@ -191,6 +199,9 @@ class Run:
         self.pid = process.pid
         feeder = threading.Thread(target=self._feed, args=(keyboard, stdin), daemon=True)
         feeder.start()
+        self.seen = b""
+        if "killed_by" in case:
+            self._kill(process, case, server)
         try:
             self.status = process.wait(case["timeout"])
         except subprocess.TimeoutExpired:
@@ -201,6 +212,13 @@ class Run:
         for part in (self.out, self.err):
             part.finish()
         feeder.join(10)
+
+    def _kill(self, process, case, server):
+        until = time.monotonic() + 10
+        while len(server.requests) < len(case["requests"]) and time.monotonic() < until:
+            time.sleep(0.01)
+        self.seen = seen_of(process.pid)
+        process.send_signal(signal.Signals[case["killed_by"]])
 
     @staticmethod
     def _closes(case):
@@ -235,6 +253,22 @@ class Run:
                 self.problems.append(f"the prompt did not come: {prompt!r}")
                 return
             time.sleep(0.01)
+
+
+def allow_core_file():
+    _, most = resource.getrlimit(resource.RLIMIT_CORE)
+    resource.setrlimit(resource.RLIMIT_CORE, (most, most))
+
+
+def seen_of(pid):
+    """What other users can see of a process and its children, and who may look into its memory."""
+    process = pathlib.Path(f"/proc/{pid}")
+    children = [child for task in (process / "task").iterdir()
+                for child in (task / "children").read_text().split()]  # fmt: skip
+    seen = (process / "cmdline").read_bytes()
+    if (process / "mem").stat().st_uid != 0:
+        seen += b"its memory is its user's"
+    return seen + b"".join(b"a child: " + seen_of(child) for child in children)
 
 
 def standard_input(source, is_terminal):
