@@ -167,9 +167,10 @@ class Verdict:
     def _secret(self, run, box):
         """The token is in no output and in no file but the user's logins."""
         secret = self._known["token"].encode()
+        logins = {os.path.realpath(path) for path in box.folder.rglob("logins.json")}
         places = {"stdout": run.out.data, "stderr": run.err.data}
         for path in box.folder.rglob("*"):
-            if path.name != "logins.json" and path.is_file() and not path.is_symlink():
+            if path.is_file() and not path.is_symlink() and str(path) not in logins:
                 with path.open("rb") as file:
                     places[path] = file.read(64 << 20)
         self._found += [f"the token is in {name}" for name, text in places.items() if secret in text]
