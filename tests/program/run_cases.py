@@ -14,6 +14,7 @@ import resource
 import secrets
 import shutil
 import signal
+import subprocess
 import sys
 import tempfile
 import threading
@@ -23,6 +24,7 @@ import sandbox
 import scripted_server
 
 HOST_ID = "0a0aa0a0-0000-0aa0-aa00-000a0a00a0a0"
+SERVER_KINDS = {"running", "none", "unnamed", "plain", "silent", "TLS 1.1", "TLS 1.2"}
 LOG_LINE = re.compile(r"\d{4}(?:-\d\d){2}T\d\d:\d\d:\d\d\.\d{3}[+-]\d{4} (\d+) (.*)", re.DOTALL)
 
 
@@ -30,6 +32,7 @@ def arguments():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--tool", required=True, type=os.path.abspath)
     parser.add_argument("--devserver", required=True, help="makes the certificates")
+    parser.add_argument("--make-certificates", help="the program that makes those of other kinds")
     parser.add_argument("--filter", default="*", help="only cases whose name matches")
     parser.add_argument("--jobs", type=int, default=4)
     parser.add_argument("--list", action="store_true", help="show the names, run nothing")
@@ -50,10 +53,19 @@ class Stage:
         addresses = [scripted_server.random_address() for _ in range(4 * options.jobs)]
         self.certificates = sandbox.Certificates(options.devserver, folder / "ours", addresses)
         self.stranger = sandbox.Certificates(options.devserver, folder / "strangers", addresses)
+        self._make_others(options.make_certificates, addresses)
         self._copying = threading.Lock()
         self._free = queue.SimpleQueue()
         for address in addresses:
             self._free.put(address)
+
+    def _make_others(self, program, addresses):
+        """Certificates that no client should trust, by their kind."""
+        self._others = self.folder / "others"
+        self._others.mkdir()
+        if program:
+            authority = self.folder / "ours" / "ca"
+            subprocess.run([program, authority, self._others, *addresses], check=True)
 
     def tool_for(self, case):
         """The tool; for another user a copy that everybody can reach."""
@@ -95,9 +107,10 @@ class Stage:
         if kind != "plain":
             tls = kind.removeprefix("TLS ") if kind.startswith("TLS ") else None
             ours = self.certificates
-            context = scripted_server.server_context(
-                ours.server, ours.server_key, ours.authority, tls
-            )
+            server, key = ours.server, ours.server_key
+            if kind not in SERVER_KINDS:
+                server, key = self._others / f"{kind}.pem", self._others / f"{kind}.key"
+            context = scripted_server.server_context(server, key, ours.authority, tls)
         return scripted_server.ScriptedServer(listener, context, replies)
 
 
@@ -114,6 +127,7 @@ def run_case(stage, case, texts, standard_files):
             known |= stage.defined
             box = sandbox.Sandbox(folder, known, stage.certificates, stage.stranger)
             box.make_files(standard_files + case["files"], texts)
+            box.note_files()
             if case.get("unprivileged") and os.geteuid() == 0:
                 box.give_to(sandbox.NOBODY)
             serves = listener and kind != "silent"  # a silent listener leaves clients waiting
@@ -157,9 +171,7 @@ class Verdict:
             self._requests(server)
         log = self._log_texts(box.log_lines(), run.pid)
         self._log(log)
-        for name in self._case.get("absent_files", []):
-            if os.path.lexists(box.folder / name):
-                self._found.append(f"the file {name} is there")
+        self._found += [f"the run has made {path}" for path in box.new_files()]
         self._same_bytes("seen", self._bytes(self._case.get("seen", "")), run.seen)
         self._secret(run, box)
         return self._found

@@ -115,6 +115,14 @@ class Sandbox:
         rows = row["catalogue"]
         return [[texts.string(each, self.known) for each in message] for message in rows]
 
+    def note_files(self):
+        self._before = set(self.folder.rglob("*"))
+
+    def new_files(self):
+        """What has come into the folder since `note_files`, besides a log."""
+        logs = set((self.folder / "logs/admin").glob("admin.*.log"))
+        return set(self.folder.rglob("*")) - self._before - logs
+
     def log_lines(self):
         """The lines of the debug log, without a final empty one."""
         logs = sorted((self.folder / "logs/admin").glob("admin.*.log"))
