@@ -15,7 +15,7 @@ KEYS = {
     "name", "args", "argv0", "stdin", "stdin_from", "environment", "dialogue", "tty",
     "stdout_to", "stderr_to", "ignores_sigpipe", "files", "server", "replies", "timeout",
     "stdout", "stderr", "stderr_begins", "status", "signal", "requests", "connections",
-    "log", "log_is", "log_absent", "unprivileged", "killed_by", "seen",
+    "log", "log_is", "log_absent", "unprivileged", "killed_by", "seen", "longest_file",
 }  # fmt: skip
 REPLY_KEYS = {"status", "json", "body", "type", "headers", "coding", "raw", "then"}
 REQUEST_KEYS = {"method", "target", "headers", "body"}

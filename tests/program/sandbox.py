@@ -199,7 +199,7 @@ class Run:
             stdin=child, stdout=self.out.child, stderr=self.err.child,
             env=environment, cwd=folder, restore_signals=not case.get("ignores_sigpipe"),
             user=user, group=user, extra_groups=None if user is None else [],
-            preexec_fn=allow_core_file if "killed_by" in case else None,
+            preexec_fn=limits(case),
         )  # fmt: skip
         os.close(child)
         self.out.started()
@@ -263,9 +263,19 @@ class Run:
             time.sleep(0.01)
 
 
-def allow_core_file():
-    _, most = resource.getrlimit(resource.RLIMIT_CORE)
-    resource.setrlimit(resource.RLIMIT_CORE, (most, most))
+def limits(case):
+    """What sets the limits of the run in its process; None when there are none to set."""
+    wanted = {}
+    if "killed_by" in case:
+        wanted[resource.RLIMIT_CORE] = resource.getrlimit(resource.RLIMIT_CORE)[1]
+    if "longest_file" in case:
+        wanted[resource.RLIMIT_FSIZE] = case["longest_file"]
+
+    def set_limits():
+        for kind, size in wanted.items():
+            resource.setrlimit(kind, (size, resource.getrlimit(kind)[1]))
+
+    return set_limits if wanted else None
 
 
 def seen_of(pid):
