@@ -182,7 +182,8 @@ class Verdict:
         logins = {os.path.realpath(path) for path in box.folder.rglob("logins.json")}
         places = {"stdout": run.out.data, "stderr": run.err.data}
         for path in box.folder.rglob("*"):
-            if path.is_file() and not path.is_symlink() and str(path) not in logins:
+            is_file = path.is_file() and not path.is_symlink() and os.access(path, os.R_OK)
+            if is_file and str(path) not in logins:
                 with path.open("rb") as file:
                     places[path] = file.read(64 << 20)
         self._found += [f"the token is in {name}" for name, text in places.items() if secret in text]

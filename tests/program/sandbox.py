@@ -125,8 +125,11 @@ class Sandbox:
 
     def log_lines(self):
         """The lines of the debug log, without a final empty one."""
-        logs = sorted((self.folder / "logs/admin").glob("admin.*.log"))
-        text = b"".join(log.read_bytes() for log in logs if log.is_file() and not log.is_symlink())
+        logs = [log for log in sorted((self.folder / "logs/admin").glob("admin.*.log"))
+                if log.is_file() and not log.is_symlink()]  # fmt: skip
+        for log in logs:
+            os.chmod(log, 0o600)  # a case may have left it to its writer alone
+        text = b"".join(log.read_bytes() for log in logs)
         lines = text.decode("utf-8", "backslashreplace").split("\n")
         return lines if lines[-1] else lines[:-1]
 
