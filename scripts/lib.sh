@@ -12,6 +12,9 @@ packages=(
 # What the checks of the continuous integration stand on besides.
 check_packages=(clang-format clang-tidy gcovr valgrind)
 
+# What the mutation of the sources stands on besides.
+mutation_packages=(python3-clang-14)
+
 # What the benchmark stands on besides.
 bench_packages=(nginx-core curl git iproute2)
 

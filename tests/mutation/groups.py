@@ -1,0 +1,42 @@
+"""What is mutated, in the groups of the report, and which tests it is held against."""
+
+OPERATIONS = ["Add", "AddHost", "Comment", "Delete", "List", "ReissueCert", "UpdateHost"]
+
+GROUPS = {
+    "argument rules": [
+        "cmdframework/Argscmd.cpp", "cmdframework/Parameterscmd.cpp", "cmdframework/Basecmd.cpp",
+        "cmdframework/CaseInsensitive.cpp", "hostmgmt/ArgumentRules.cpp",
+        "driver/ArgumentCopy.cpp", "driver/Operations.cpp",
+    ],
+    "operations": [f"hostmgmt/AkHostMgmt{name}.cpp" for name in ["BaseOption", *OPERATIONS]],
+    "request classification": [
+        "hostmgmt/HostIdentity.cpp", "hostmgmt/RestResources.cpp", "hostmgmt/ServerRequests.cpp",
+        "platform/https/CurlStatus.cpp",
+    ],
+    "error reporting": [
+        "cmdframework/Messages.cpp", "cmdframework/Runtimecmd.cpp", "cmdframework/Usagecmd.cpp",
+        "hostmgmt/OperationOutput.cpp", "hostmgmt/ServerErrors.cpp",
+        "driver/ExecuteAkHostMgmt.cpp", "platform/catalogue/Placeholders.cpp",
+    ],
+    "listing formats": [
+        "hostmgmt/AkHostMgmtListOutput.cpp", "hostmgmt/Json.cpp", "hostmgmt/ListLabels.cpp",
+        "hostmgmt/ListText.cpp", "hostmgmt/LocalDate.cpp", "platform/text/BoundedText.cpp",
+        "platform/text/LocalTime.cpp", "platform/text/ServerNames.cpp", "platform/text/Utf8.cpp",
+    ],
+}  # fmt: skip
+
+UNIT_TESTS = [
+    "cmdframework_tests", "hostmgmt_tests", "driver_tests", "platform_text_test",
+    "platform_catalogue_test", "platform_https_test",
+]  # fmt: skip
+TOOL = "akhostmgmt_logging_to_folder"
+CASES = [
+    "entry", "arguments", "queries", "long_format", "short_format", "json_formats",
+    "server_errors", "platform_failures", "primary_server", "streams", "log", "translations",
+    "add", "delete", "updatehost", "comments", "reissue", "addhost",
+]  # fmt: skip
+LEAST_SHARE = 95  # per cent of a group's mutants that the tests have to find
+
+
+def group_of(path):
+    return next(name for name, paths in GROUPS.items() if path in paths)
