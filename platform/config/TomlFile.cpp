@@ -1,17 +1,23 @@
 #include "config/TomlFile.h"
 
 #include "config/ReadFile.h"
+#include "config/TomlKeys.h"
 #include "log/Report.h"
 
 #include <cerrno>
-#include <sstream>
 
 namespace arkeon {
 
+namespace {
+
+std::string place(const std::string& path, std::size_t line, std::size_t column) {
+    return path + ", line " + std::to_string(line) + ", column " + std::to_string(column);
+}
+
+}  // namespace
+
 std::string place(const std::string& path, const toml::source_region& region) {
-    std::ostringstream text;
-    text << path << ", line " << region.begin.line << ", column " << region.begin.column;
-    return text.str();
+    return place(path, region.begin.line, region.begin.column);
 }
 
 TomlResult readToml(const std::string& path, toml::table& table) {
@@ -21,6 +27,10 @@ TomlResult readToml(const std::string& path, toml::table& table) {
     }
     if (file.error != 0) {
         report({path, ": ", file.reason});
+        return TomlResult::unreadable;
+    }
+    if (const auto key = findLongKey(file.text)) {
+        report({place(path, key->line, key->column), ": a key has too many parts"});
         return TomlResult::unreadable;
     }
     try {

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "config/Toml.h"
+
 #include <optional>
 #include <string>
-#include <toml++/toml.h>
 
 namespace arkeon {
 

@@ -239,6 +239,7 @@ TEST_F(MasterConfigTest, ReasonsHaveLineAndColumn) {
          {Malformed{"[primary_server\n", "master.toml, line 1, column "},
           Malformed{"x = 1\ny = ?\n", "master.toml, line 2, column "},
           Malformed{"\xff", "invalid utf-8"},
+          Malformed{"[cluster]\nx = 2.5'ä\n", "master.toml, line 2, column 8"},
           Malformed{"primary_server = 1\n", "line 1, column 18: primary_server must be a table"},
           Malformed{"x = 1\n[[primary_server]]\n", "primary_server must be a table"},
           Malformed{
@@ -253,6 +254,50 @@ TEST_F(MasterConfigTest, ReasonsHaveLineAndColumn) {
         EXPECT_EQ(AK_read_master_config(), status::unreadableMasterConfig) << wrong.text;
         EXPECT_THAT(log_.lines().back(), HasSubstr(wrong.reason));
     }
+}
+
+/// A key of this many parts, a.a.a.
+std::string keyOf(std::size_t parts) {
+    std::string key = "a";
+    while (key.size() < 2 * parts - 1) {
+        key += ".a";
+    }
+    return key;
+}
+
+TEST_F(MasterConfigTest, KeyHasThirtyTwoPartsAtMost) {
+    writeMaster(keyOf(32) + " = 1\n[b." + keyOf(31) + "]\nc = { " + keyOf(32) + " = 1.5 }\n");
+    EXPECT_EQ(AK_read_master_config(), 0) << log_.text();
+    for (const std::string& text :
+         {keyOf(33) + " = 1\n", "[" + keyOf(33) + "]\n", "x = { " + keyOf(33) + " = 1 }\n",
+          "'x' . \"x\" . " + keyOf(31) + " = 1\n", "x = \"\" # '\n" + keyOf(33) + " = 1\n"}) {
+        writeMaster(text);
+        EXPECT_EQ(AK_read_master_config(), status::unreadableMasterConfig) << text;
+        EXPECT_THAT(log_.text(), EndsWith(": a key has too many parts\n"));
+    }
+    writeMaster("x = 1\n" + keyOf(33) + " = 1\n");
+    EXPECT_EQ(AK_read_master_config(), status::unreadableMasterConfig);
+    EXPECT_THAT(log_.text(), HasSubstr("master.toml, line 2, column 64: a key has"));
+}
+
+TEST_F(MasterConfigTest, DotsOfStringsCommentsAndNumbersAreNoParts) {
+    const std::string dots(100, '.');
+    std::string numbers = "x = [1.5";
+    for (int i = 0; i < 100; ++i) {
+        numbers += ", 1.5";
+    }
+    for (const std::string& text :
+         {"# " + dots, "x = \"" + dots + "\"", "x = '" + dots + "'", numbers + "]",
+          "x = \"\"\"" + dots + "\n\"\"" + dots + "\"\"\"\"\"",
+          "x = '''" + dots + "\n''" + dots + "'''''", "x = \"\\\"" + dots + "\""}) {
+        writeMaster(text + "\n");
+        EXPECT_EQ(AK_read_master_config(), 0) << text << log_.text();
+    }
+}
+
+TEST_F(MasterConfigTest, KeyOfCountlessPartsDoesNotEndTheStack) {
+    writeMaster(keyOf(500'000) + " = 1\n");
+    EXPECT_EQ(AK_read_master_config(), status::unreadableMasterConfig);
 }
 
 /// `getHostID` into a buffer of `size` bytes that held something else.
