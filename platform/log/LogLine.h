@@ -19,8 +19,8 @@ struct LogStamp {
     std::string_view name;
 };
 
-/// "2026-11-21T08:15:30.123+0100 PID LEVEL NAME: text" with its newline. The pieces are one text;
-/// only what fits is copied.
+/// "2026-11-21T08:15:30.123+0100 PID LEVEL NAME: text" with its newline. The pieces are one text,
+/// of which no letter reaches over two; only what fits is copied.
 std::string logLine(const LogStamp& stamp, std::initializer_list<std::string_view> pieces);
 
 /// The day of a log file's name, "20261121", in local time.
