@@ -27,7 +27,7 @@ private:
     std::filesystem::path path_;
 };
 
-/// The whole content of a file; fails the test when it cannot be read.
+/// The whole content of a file; throws when it cannot be read.
 std::string contentOf(const std::string& path);
 
 }  // namespace support
