@@ -10,6 +10,7 @@
 #include <cstring>
 #include <libintl.h>
 #include <string>
+#include <string_view>
 
 namespace arkeon {
 namespace {
@@ -24,17 +25,9 @@ void setCategory(int category, char* name, std::size_t size) {
     boundedCopy(name, size, chosen);
 }
 
-/// Tells gettext where the catalogues are; again when the root has changed. All texts are the
-/// default ones when a catalogue is not sound.
-void bindCatalogues() {
-    static std::string bound;
-    const std::string folder = rootDirectory() + "/locale";
-    if (folder != bound) {
-        constexpr const char* nowhere = "/dev/null";
-        bindtextdomain(domain, cataloguesAreSound(folder) ? folder.c_str() : nowhere);
-        bind_textdomain_codeset(domain, "UTF-8");
-        bound = folder;
-    }
+void bindCatalogue() {
+    bindtextdomain(domain, (rootDirectory() + "/locale").c_str());
+    bind_textdomain_codeset(domain, "UTF-8");
 }
 
 /// gettext looks up in the process's locale: makes that one the caller's.
@@ -44,13 +37,22 @@ void useLanguage(const zvlocale& locale) {
     }
 }
 
+/// Whether gettext may look into the catalogues; in the C locale it does not, whatever they hold.
+bool mayLookUp(const zvlocale& locale) {
+    const std::string_view language = locale.messages;
+    return language != "C" && language != "POSIX" &&
+           cataloguesAreSound(bindtextdomain(domain, nullptr), domain);
+}
+
 }  // namespace
 
 const char* translate(const zvlocale& locale, const char* context, const char* key) {
     // The form in which msgfmt stores a text that has a context.
     constexpr char contextEnd = '\004';
+    if (!mayLookUp(locale)) {
+        return nullptr;
+    }
     useLanguage(locale);
-    bindCatalogues();
     const std::string contextAndKey = std::string(context) + contextEnd + key;
     const char* text = dgettext(domain, contextAndKey.c_str());
     return text == contextAndKey.c_str() ? nullptr : text;
@@ -61,6 +63,7 @@ const char* translate(const zvlocale& locale, const char* context, const char* k
 int zvgetlocaleEx(zvlocale* locale, int* status) {
     arkeon::setCategory(LC_MESSAGES, locale->messages, sizeof locale->messages);
     arkeon::setCategory(LC_CTYPE, locale->characters, sizeof locale->characters);
+    arkeon::bindCatalogue();
     *status = 0;
     return *status;
 }

@@ -3,18 +3,27 @@
 #include "config/ReadFile.h"
 #include "log/Report.h"
 
-#include <byteswap.h>
 #include <cerrno>
 #include <cstdint>
-#include <cstring>
 #include <filesystem>
+#include <map>
+#include <system_error>
 
 namespace arkeon {
 namespace {
 
-constexpr std::uint32_t magic = 0x950412de;
-constexpr std::uint64_t numberSize = sizeof(std::uint32_t);
-constexpr std::uint64_t descriptorSize = 2 * numberSize;
+/// The places of the head's words that are looked at.
+enum Head : std::size_t {
+    magic = 0,
+    revision = 4,
+    stringCount = 8,
+    originals = 12,
+    translations = 16,
+    hashSize = 20,
+    hashTable = 24,
+    systemStringCount = 36,
+    headSize = 48,
+};
 
 bool isPrime(std::uint32_t number) {
     for (std::uint64_t divisor = 2; divisor * divisor <= number; ++divisor) {
@@ -25,112 +34,139 @@ bool isPrime(std::uint32_t number) {
     return number > 1;
 }
 
-/// The file's numbers in the order of their bytes that its first number tells.
-class CatalogueReader {
+/// Holds the bytes against everything that a look-up relies on.
+class Checker {
 public:
-    explicit CatalogueReader(std::string_view content) : content_(content) {}
+    explicit Checker(std::string_view bytes) : bytes_(bytes) {}
 
-    bool isSound() {
-        constexpr std::uint64_t headSize = 7 * numberSize;
-        if (content_.size() < headSize || !knowsByteOrder() || !isKnownRevision()) {
-            return false;
-        }
-        const std::uint32_t texts = number(2 * numberSize);
-        return hasTexts(texts, number(3 * numberSize)) && hasTexts(texts, number(4 * numberSize)) &&
-               hasHashTable(texts, number(5 * numberSize), number(6 * numberSize));
-    }
+    bool isSound();
 
 private:
-    bool knowsByteOrder() {
-        swapped_ = number(0) == bswap_32(magic);
-        return number(0) == magic;
+    bool readByteOrder();
+    bool isRevisionKnown() const;
+    bool areStringsSound(Head table) const;
+    bool isStringSound(std::size_t entry) const;
+    bool isHashTableSound() const;
+    std::uint32_t word(std::size_t place) const;
+    bool isInside(std::uint64_t place, std::uint64_t size) const {
+        return place + size <= bytes_.size();
     }
 
-    /// Of 0.0 and 1.0, which have the same form; the minor revision 1 has system-dependent strings.
-    bool isKnownRevision() const {
-        const std::uint32_t revision = number(numberSize);
-        return revision == 0 || revision == 0x10000;
-    }
-
-    std::uint32_t number(std::uint64_t offset) const {
-        std::uint32_t value = 0;
-        std::memcpy(&value, content_.data() + offset, sizeof value);
-        return swapped_ ? bswap_32(value) : value;
-    }
-
-    bool holds(std::uint64_t offset, std::uint64_t size) const {
-        return offset + size <= content_.size();
-    }
-
-    bool hasTexts(std::uint64_t count, std::uint64_t table) const {
-        if (table % numberSize != 0 || !holds(table, count * descriptorSize)) {
-            return false;
-        }
-        for (std::uint64_t row = 0; row < count; ++row) {
-            const std::uint64_t length = number(table + row * descriptorSize);
-            const std::uint64_t text = number(table + row * descriptorSize + numberSize);
-            if (!holds(text, length + 1) || content_[text + length] != '\0') {
-                return false;
-            }
-        }
-        return true;
-    }
-
-    /// A search goes on to the first empty place, in steps that reach every place of a table whose
-    /// size is a prime number. gettext takes a table of at most two places as none.
-    bool hasHashTable(std::uint32_t texts, std::uint32_t size, std::uint64_t table) const {
-        if (size <= 2) {
-            return true;
-        }
-        if (table % numberSize != 0 || !holds(table, size * numberSize) || !isPrime(size)) {
-            return false;
-        }
-        bool hasEmptyPlace = false;
-        for (std::uint64_t place = 0; place < size; ++place) {
-            const std::uint32_t text = number(table + place * numberSize);
-            if (text > texts) {
-                return false;
-            }
-            hasEmptyPlace = hasEmptyPlace || text == 0;
-        }
-        return hasEmptyPlace;
-    }
-
-    std::string_view content_;
-    bool swapped_ = false;
+    static constexpr std::size_t wordSize = 4;
+    static constexpr std::size_t entrySize = 2 * wordSize;
+    std::string_view bytes_;
+    bool bigEndian_ = false;
 };
 
-bool isSoundOrMissing(const std::string& path) {
-    const FileContent file = readFile(path);
-    if (file.error == ENOENT || file.error == ENOTDIR) {
-        return true;
+bool Checker::isSound() {
+    return bytes_.size() <= largestCatalogue && isInside(0, headSize) && readByteOrder() &&
+           isRevisionKnown() && areStringsSound(originals) && areStringsSound(translations) &&
+           isHashTableSound();
+}
+
+std::uint32_t Checker::word(std::size_t place) const {
+    std::uint32_t value = 0;
+    for (std::size_t i = 0; i < wordSize; ++i) {
+        const std::size_t byte = place + (bigEndian_ ? i : wordSize - 1 - i);
+        value = (value << 8U) | static_cast<unsigned char>(bytes_[byte]);
     }
-    if (file.error != 0) {
-        report({path, ": ", file.reason});
+    return value;
+}
+
+bool Checker::readByteOrder() {
+    constexpr std::uint32_t magicNumber = 0x950412de;
+    bigEndian_ = word(magic) != magicNumber;
+    return word(magic) == magicNumber;
+}
+
+bool Checker::isRevisionKnown() const {
+    const std::uint32_t major = word(revision) >> 16U;
+    const std::uint32_t minor = word(revision) & 0xFFFFU;
+    return major <= 1 && (minor == 0 || word(systemStringCount) == 0);
+}
+
+bool Checker::areStringsSound(Head table) const {
+    const std::uint64_t count = word(stringCount);
+    if (!isInside(word(table), count * entrySize)) {
         return false;
     }
-    const bool isSound = isCatalogue(file.text);
-    if (!isSound) {
-        report({path, ": not a message catalogue"});
+    for (std::size_t i = 0; i < count; ++i) {
+        if (!isStringSound(word(table) + i * entrySize)) {
+            return false;
+        }
     }
-    return isSound;
+    return true;
+}
+
+bool Checker::isStringSound(std::size_t entry) const {
+    const std::uint64_t length = word(entry);
+    const std::uint64_t place = word(entry + wordSize);
+    return isInside(place, length + 1) && bytes_[place + length] == '\0';
+}
+
+/// A look-up goes through the table by steps until it finds an empty place: there has to be one,
+/// and it has to come by it, which a prime size makes sure of.
+bool Checker::isHashTableSound() const {
+    const std::uint32_t size = word(hashSize);
+    constexpr std::uint32_t largestUnused = 2;
+    if (size <= largestUnused) {
+        return true;
+    }
+    if (!isInside(word(hashTable), std::uint64_t{size} * wordSize) || !isPrime(size)) {
+        return false;
+    }
+    bool hasEmptyPlace = false;
+    for (std::size_t i = 0; i < size; ++i) {
+        const std::uint32_t number = word(word(hashTable) + i * wordSize);
+        hasEmptyPlace = hasEmptyPlace || number == 0;
+        if (number > word(stringCount)) {
+            return false;
+        }
+    }
+    return hasEmptyPlace;
+}
+
+bool isMissing(int error) {
+    return error == 0 || error == ENOENT || error == ENOTDIR;
+}
+
+bool refuse(const std::string& path, std::string_view reason) {
+    report({path, ": ", reason, "; texts are not translated"});
+    return false;
+}
+
+bool isSoundFile(const std::string& path) {
+    const FileContent file = readFile(path, largestCatalogue);
+    if (!isMissing(file.error)) {
+        return refuse(path, file.reason);
+    }
+    return file.error != 0 || isSoundCatalogue(file.text) || refuse(path, "not a sound catalogue");
+}
+
+bool lookThrough(const std::string& directory, const std::string& domain) {
+    using std::filesystem::directory_iterator;
+    bool sound = true;
+    std::error_code failure;
+    directory_iterator languages(directory, failure);
+    for (; !failure && languages != directory_iterator(); languages.increment(failure)) {
+        sound = isSoundFile(languages->path() / "LC_MESSAGES" / (domain + ".mo")) && sound;
+    }
+    return isMissing(failure.value()) ? sound : refuse(directory, failure.message());
 }
 
 }  // namespace
 
-bool isCatalogue(std::string_view content) {
-    return CatalogueReader(content).isSound();
+bool isSoundCatalogue(std::string_view bytes) {
+    return Checker(bytes).isSound();
 }
 
-bool cataloguesAreSound(const std::string& localeFolder) {
-    std::error_code error;
-    std::filesystem::directory_iterator folders(localeFolder, error);
-    bool areSound = true;
-    for (; !error && folders != std::filesystem::directory_iterator(); folders.increment(error)) {
-        const auto path = folders->path() / "LC_MESSAGES" / "akhostmgmt.mo";
-        areSound = isSoundOrMissing(path.string()) && areSound;
+bool cataloguesAreSound(const std::string& directory, const std::string& domain) {
+    static std::map<std::string, bool> known;
+    const auto [place, unknown] = known.try_emplace(directory, true);
+    if (unknown) {
+        place->second = lookThrough(directory, domain);
     }
-    return areSound;
+    return place->second;
 }
 
 }  // namespace arkeon

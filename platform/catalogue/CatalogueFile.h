@@ -1,19 +1,23 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace arkeon {
 
-/// Whether `content` is a message catalogue that gettext can read without leaving it: a GNU MO file
-/// (GNU gettext manual, "The Format of GNU MO Files") of either byte order, without
-/// system-dependent strings, whose tables and texts lie inside and whose hash table, if there is
-/// one, ends every search.
-bool isCatalogue(std::string_view content);
+/// No catalogue that is used is larger.
+inline constexpr std::size_t largestCatalogue = std::size_t{1024} * 1024;
 
-/// Whether every catalogue of the domain `akhostmgmt` below `localeFolder` can be left to gettext,
-/// which opens whatever is in a catalogue's place and believes what it reads: a FIFO would hold the
-/// run up, a damaged file crash it. What is wrong goes to the debug log. No catalogue is fine.
-bool cataloguesAreSound(const std::string& localeFolder);
+/// Whether gettext can be given these bytes of a catalogue. The C library believes what a catalogue
+/// says about itself: one that was cut short while it was installed ends the process.
+///
+/// The form is that of the gettext manual ("The Format of GNU MO Files"), revisions 0 and 1, in
+/// either byte order, without the strings that depend on the system (`<PRId64>`).
+bool isSoundCatalogue(std::string_view bytes);
+
+/// Whether every catalogue of `domain` below `directory` (LANG/LC_MESSAGES/DOMAIN.mo) is sound. One
+/// that is not is named in the debug log. Each folder is looked through once in a process.
+bool cataloguesAreSound(const std::string& directory, const std::string& domain);
 
 }  // namespace arkeon

@@ -1,174 +1,217 @@
 #include "catalogue/CatalogueFile.h"
 
+#include "arkeon/catalogue.h"
+#include "support/Environment.h"
 #include "support/LogReader.h"
 #include "support/TempDir.h"
 
 #include <array>
 #include <cstdint>
-#include <cstdlib>
-#include <cstring>
-#include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <vector>
 
-using arkeon::cataloguesAreSound;
-using arkeon::isCatalogue;
+using arkeon::isSoundCatalogue;
 using support::LogReader;
+using support::ScopedVariable;
 using support::TempDir;
-using testing::HasSubstr;
+using testing::EndsWith;
 
 namespace {
 
-constexpr std::size_t numberSize = sizeof(std::uint32_t);
+/// A catalogue of one text in the words and strings of its form: a head of twelve words, two tables
+/// of one entry (length, place), a hash table of three places, and the strings.
+class Catalogue {
+public:
+    enum Word : std::size_t {
+        magic,
+        revision,
+        count,
+        originals,
+        translations,
+        hashSize,
+        hashTable,
+        systemSegments,
+        systemSegmentTable,
+        systemStrings,
+        originalLength = 12,
+        originalPlace,
+        translationLength,
+        translationPlace,
+        hashes
+    };
 
-/// The places of the numbers in a catalogue's head.
-enum Head : std::size_t { Magic, Revision, Count, Originals, Translations, HashSize, HashTable };
-
-class CatalogueFileTest : public testing::Test {
-protected:
-    std::string compiled(const std::string& options = "", const std::string& key = "text") const {
-        const std::string source = folder_.write(
-            "xx.po", "msgid \"\"\nmsgstr \"Content-Type: text/plain; charset=UTF-8\\n\"\n\n"
-                     "#, c-format\nmsgctxt \"One\"\nmsgid \"" +
-                         key + "\"\nmsgstr \"" + key + "\"\n");
-        const std::string target = folder_.file("xx.mo");
-        const std::string command =
-            std::string(MSGFMT) + " " + options + " -o '" + target + "' '" + source + "'";
-        EXPECT_EQ(std::system(command.c_str()), 0);
-        return support::contentOf(target);
+    std::string bytes() const {
+        std::string all;
+        for (const std::uint32_t word : words) {
+            for (unsigned shift = 0; shift < 32; shift += 8) {
+                all += static_cast<char>(word >> (bigEndian ? 24 - shift : shift));
+            }
+        }
+        return all + strings;
     }
 
-    static std::uint32_t number(const std::string& content, std::size_t place) {
-        std::uint32_t value = 0;
-        std::memcpy(&value, content.data() + place * numberSize, numberSize);
-        return value;
+    /// Whether the catalogue is sound with another value for a word.
+    bool isSoundWith(Word word, std::uint32_t value) const {
+        Catalogue other = *this;
+        other.words[word] = value;
+        return isSoundCatalogue(other.bytes());
     }
 
-    static std::string with(std::string content, std::size_t place, std::uint32_t value) {
-        std::memcpy(content.data() + place * numberSize, &value, numberSize);
-        return content;
-    }
-
-    TempDir folder_;
+    std::vector<std::uint32_t> words = {0x950412de, 0, 1, 48, 56, 3,  64, 0, 0, 0,
+                                        0,          0, 4, 76, 4,  81, 1,  0, 0};
+    std::string strings = std::string("c\4ab\0text\0", 10);
+    bool bigEndian = false;
 };
 
-TEST_F(CatalogueFileTest, WhatMsgfmtWritesIsSound) {
-    for (const char* options :
-         {"", "--no-hash", "--endianness=little", "--endianness=big", "--alignment=16"}) {
-        EXPECT_TRUE(isCatalogue(compiled(options))) << options;
+TEST(CatalogueFile, BothByteOrdersAndRevisionsAreSound) {
+    Catalogue catalogue;
+    EXPECT_TRUE(isSoundCatalogue(catalogue.bytes()));
+    EXPECT_TRUE(catalogue.isSoundWith(Catalogue::revision, 1));
+    EXPECT_TRUE(catalogue.isSoundWith(Catalogue::revision, 0x10000));
+    EXPECT_TRUE(catalogue.isSoundWith(Catalogue::hashSize, 0));
+    catalogue.bigEndian = true;
+    EXPECT_TRUE(isSoundCatalogue(catalogue.bytes()));
+}
+
+TEST(CatalogueFile, NothingMayBeMissingAtItsEnd) {
+    const std::string whole = Catalogue().bytes();
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+        EXPECT_FALSE(isSoundCatalogue(whole.substr(0, size))) << size;
     }
 }
 
-TEST_F(CatalogueFileTest, SystemDependentStringsAreRefused) {
-    EXPECT_FALSE(isCatalogue(compiled("", "%<PRIu64> bytes")));
+TEST(CatalogueFile, HeadThatIsNone) {
+    const Catalogue catalogue;
+    EXPECT_FALSE(catalogue.isSoundWith(Catalogue::magic, 0x950412df));
+    EXPECT_FALSE(catalogue.isSoundWith(Catalogue::revision, 0x20000));
 }
 
-TEST_F(CatalogueFileTest, CutAnywhereItIsRefused) {
-    for (const char* options : {"--endianness=little", "--endianness=big", "--no-hash"}) {
-        const std::string whole = compiled(options);
-        for (std::size_t size = 0; size < whole.size(); ++size) {
-            EXPECT_FALSE(isCatalogue(whole.substr(0, size))) << options << " " << size;
+TEST(CatalogueFile, StringsOfTheSystem) {
+    Catalogue catalogue;
+    catalogue.words[Catalogue::systemStrings] = 1;
+    EXPECT_TRUE(isSoundCatalogue(catalogue.bytes())) << "revision 0 has none";
+    EXPECT_FALSE(catalogue.isSoundWith(Catalogue::revision, 1));
+}
+
+TEST(CatalogueFile, PlacesOutsideOfTheFile) {
+    const Catalogue catalogue;
+    for (const std::uint32_t far : {0x7FFFFFFFU, 0xFFFFFFFFU, 0xFFFFFFF8U}) {
+        for (const Catalogue::Word word :
+             {Catalogue::count, Catalogue::originals, Catalogue::translations, Catalogue::hashSize,
+              Catalogue::hashTable, Catalogue::originalLength, Catalogue::originalPlace,
+              Catalogue::translationLength, Catalogue::translationPlace}) {
+            EXPECT_FALSE(catalogue.isSoundWith(word, far)) << word << ' ' << far;
         }
     }
 }
 
-TEST_F(CatalogueFileTest, HeadThatLeadsOutsideIsRefused) {
-    const std::string whole = compiled();
-    const auto end = static_cast<std::uint32_t>(whole.size());
-    for (const std::size_t place : {Magic, Count, Originals, Translations, HashSize, HashTable}) {
-        for (const std::uint32_t value :
-             {end, 0x7fffffffU, 0x80000000U, 0xfffffffcU, 0xffffffffU}) {
-            EXPECT_FALSE(isCatalogue(with(whole, place, value))) << place << " " << value;
-        }
+TEST(CatalogueFile, StringWithoutItsEnd) {
+    const Catalogue catalogue;
+    EXPECT_FALSE(catalogue.isSoundWith(Catalogue::originalLength, 3));
+    EXPECT_FALSE(catalogue.isSoundWith(Catalogue::translationPlace, 80));
+}
+
+TEST(CatalogueFile, HashTableThatALookUpCannotLeave) {
+    Catalogue catalogue;
+    EXPECT_FALSE(catalogue.isSoundWith(Catalogue::hashes, 2)) << "there is no second string";
+    EXPECT_FALSE(catalogue.isSoundWith(Catalogue::hashSize, 4)) << "no prime";
+    catalogue.words[Catalogue::hashes + 1] = 1;
+    EXPECT_TRUE(isSoundCatalogue(catalogue.bytes()));
+    catalogue.words[Catalogue::hashes + 2] = 1;
+    EXPECT_FALSE(isSoundCatalogue(catalogue.bytes())) << "full";
+}
+
+TEST(CatalogueFile, LargestSize) {
+    std::string bytes = Catalogue().bytes();
+    bytes.resize(arkeon::largestCatalogue);
+    EXPECT_TRUE(isSoundCatalogue(bytes));
+    bytes += ' ';
+    EXPECT_FALSE(isSoundCatalogue(bytes));
+}
+
+/// A root folder with a sound catalogue of the language `xx`, which is asked for.
+class DamagedCatalogueTest : public testing::Test {
+protected:
+    DamagedCatalogueTest()
+        : rootVariable_("ARKEON_ROOT", root_.path()), all_("LC_ALL", "C.UTF-8"),
+          language_("LANGUAGE", "xx") {
+        Catalogue catalogue;
+        catalogue.words[Catalogue::hashSize] = 0;  // without places that fit no hash
+        root_.write(pathOf("xx"), catalogue.bytes());
     }
-}
 
-TEST_F(CatalogueFileTest, RevisionsAreThoseOfTheSameForm) {
-    const std::string whole = compiled();
-    EXPECT_TRUE(isCatalogue(with(whole, Revision, 0x10000)));
-    for (const std::uint32_t value : {1U, 0x10001U, 0x20000U, 0xffffffffU}) {
-        EXPECT_FALSE(isCatalogue(with(whole, Revision, value))) << value;
+    static std::string pathOf(const std::string& language) {
+        return "locale/" + language + "/LC_MESSAGES/akhostmgmt.mo";
     }
-}
 
-TEST_F(CatalogueFileTest, TablesStandAtWholeNumbers) {
-    const std::string whole = compiled() + std::string(16, '\0');
-    ASSERT_TRUE(isCatalogue(whole));
-    for (const std::size_t place : {Originals, Translations, HashTable}) {
-        EXPECT_FALSE(isCatalogue(with(whole, place, number(whole, place) + 1))) << place;
+    static std::string text() {
+        zvlocale locale{};
+        int status = -1;
+        zvgetlocaleEx(&locale, &status);
+        std::array<char, 16> buffer{};
+        zvgetmsg("c", locale, buffer.data(), buffer.size(), "ab");
+        return buffer.data();
     }
-}
 
-TEST_F(CatalogueFileTest, TextsEndInsideWithANul) {
-    const std::string whole = compiled();
-    for (const std::size_t table : {Originals, Translations}) {
-        const std::size_t length = number(whole, table) / numberSize + 2;
-        const std::size_t text = length + 1;
-        for (const std::uint32_t more : {1U, 0x7fffffffU, 0x80000000U}) {
-            const std::string longer = with(whole, length, number(whole, length) + more);
-            EXPECT_FALSE(isCatalogue(longer)) << more;
-            EXPECT_FALSE(isCatalogue(with(whole, text, number(whole, text) + more))) << more;
-        }
-        EXPECT_FALSE(isCatalogue(with(whole, length, number(whole, length) - 1)));
+    void expectEnglishFor(const std::string& path, const std::string& reason) {
+        EXPECT_EQ(text(), "ab");
+        EXPECT_THAT(
+            log_.text(), EndsWith(
+                             " 16 arkeon: " + root_.file(path) + ": " + reason +
+                             "; texts are not translated\n"));
     }
+
+    TempDir root_;
+    LogReader log_;
+
+private:
+    ScopedVariable rootVariable_;
+    ScopedVariable all_;
+    ScopedVariable language_;
+};
+
+TEST_F(DamagedCatalogueTest, SoundOnesAreUsed) {
+    root_.write("locale/yy/other", "");
+    root_.write("locale/file", "");
+    EXPECT_EQ(text(), "text");
+    EXPECT_EQ(log_.text(), "");
 }
 
-TEST_F(CatalogueFileTest, HashTableLeadsToTexts) {
-    const std::string whole = compiled();
-    const std::size_t table = number(whole, HashTable) / numberSize;
-    const std::uint32_t texts = number(whole, Count);
-    EXPECT_TRUE(isCatalogue(with(whole, table, texts)));
-    EXPECT_FALSE(isCatalogue(with(whole, table, texts + 1)));
+TEST_F(DamagedCatalogueTest, OneThatIsCutShortIsNamedAndNoneIsUsed) {
+    root_.write(pathOf("xx"), Catalogue().bytes().substr(0, 70));
+    expectEnglishFor(pathOf("xx"), "not a sound catalogue");
 }
 
-TEST_F(CatalogueFileTest, SearchesInTheHashTableEnd) {
-    std::string whole = compiled();
-    whole.append(numberSize - whole.size() % numberSize, '\0');
-    const std::size_t table = whole.size() / numberSize;
-    whole = with(whole, HashTable, static_cast<std::uint32_t>(whole.size())) +
-            std::string(16 * numberSize, '\0');
-    for (const std::uint32_t notPrime : {4U, 6U, 9U}) {
-        EXPECT_FALSE(isCatalogue(with(whole, HashSize, notPrime))) << notPrime;
-    }
-    for (const std::uint32_t prime : {3U, 5U, 7U}) {
-        std::string full = with(whole, HashSize, prime);
-        for (std::size_t place = 0; place < prime; ++place) {
-            full = with(full, table + place, 1);
-        }
-        EXPECT_FALSE(isCatalogue(full)) << prime;
-        EXPECT_TRUE(isCatalogue(with(full, table + prime - 1, 0))) << prime;
-    }
-    EXPECT_TRUE(isCatalogue(with(whole, HashSize, 2))) << "which counts as no table";
+TEST_F(DamagedCatalogueTest, AlsoThatOfAnotherLanguage) {
+    root_.write(pathOf("yy"), "");
+    expectEnglishFor(pathOf("yy"), "not a sound catalogue");
 }
 
-TEST_F(CatalogueFileTest, OtherFilesAreRefused) {
-    for (const std::string& content :
-         {std::string(), std::string("text"), std::string(64, '\0'), std::string(1000, '\xff')}) {
-        EXPECT_FALSE(isCatalogue(content));
-    }
+TEST_F(DamagedCatalogueTest, NoWriterOfAFifoIsWaitedFor) {
+    std::filesystem::remove(root_.file(pathOf("xx")));
+    ASSERT_EQ(mkfifo(root_.file(pathOf("xx")).c_str(), 0600), 0);
+    expectEnglishFor(pathOf("xx"), "not a regular file");
 }
 
-TEST_F(CatalogueFileTest, EveryLanguageCounts) {
-    const LogReader log;
-    EXPECT_TRUE(cataloguesAreSound(folder_.file("locale"))) << "there is none";
-    folder_.write("locale/locale.alias", "a file among the folders");
-    std::filesystem::create_directories(folder_.file("locale/empty"));
-    folder_.write("locale/aa/LC_MESSAGES/akhostmgmt.mo", compiled());
-    folder_.write("locale/aa/LC_MESSAGES/other.mo", "of another program");
-    EXPECT_TRUE(cataloguesAreSound(folder_.file("locale")));
-    EXPECT_EQ(log.text(), "");
-    folder_.write("locale/bb/LC_MESSAGES/akhostmgmt.mo", "broken");
-    EXPECT_FALSE(cataloguesAreSound(folder_.file("locale")));
-    EXPECT_THAT(log.text(), HasSubstr("/bb/LC_MESSAGES/akhostmgmt.mo: not a message catalogue"));
+TEST_F(DamagedCatalogueTest, FolderOfLanguagesMayBeMissing) {
+    std::filesystem::remove_all(root_.file("locale"));
+    EXPECT_EQ(text(), "ab");
+    EXPECT_EQ(log_.text(), "");
 }
 
-TEST_F(CatalogueFileTest, NoFileIsWaitedFor) {
-    const LogReader log;
-    const std::string folder = folder_.file("locale/aa/LC_MESSAGES");
-    std::filesystem::create_directories(folder);
-    ASSERT_EQ(mkfifo((folder + "/akhostmgmt.mo").c_str(), 0600), 0);
-    EXPECT_FALSE(cataloguesAreSound(folder_.file("locale")));
-    EXPECT_THAT(log.text(), HasSubstr("akhostmgmt.mo: not a regular file"));
+TEST_F(DamagedCatalogueTest, FolderOfLanguagesThatCannotBeRead) {
+    std::filesystem::remove_all(root_.file("locale"));
+    std::filesystem::create_directory_symlink("locale", root_.file("locale"));
+    expectEnglishFor("locale", "Too many levels of symbolic links");
+}
+
+TEST_F(DamagedCatalogueTest, InTheCLocaleNoneIsLookedAt) {
+    root_.write(pathOf("xx"), "");
+    const ScopedVariable all("LC_ALL", "C");
+    EXPECT_EQ(text(), "ab");
+    EXPECT_EQ(log_.text(), "");
 }
 
 }  // namespace

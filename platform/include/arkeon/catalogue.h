@@ -1,7 +1,8 @@
 #pragma once
 
-/// Translated texts on GNU gettext: domain `akhostmgmt`, catalogues below `<root>/locale`, UTF-8. A
-/// catalogue that is no regular file or damaged makes all texts the default ones.
+/// Translated texts on GNU gettext: domain `akhostmgmt`, catalogues below `<root>/locale`, UTF-8.
+/// None is used while one of them is damaged, which the C library could not bear; the debug log
+/// names it.
 
 /// The locale that the environment asks for.
 struct zvlocale {
