@@ -1,9 +1,7 @@
 #include "https/CurlStatus.h"
 
 #include "arkeon/status.h"
-#include "https/ClientLibraries.h"
-
-#include <cstring>
+#include "https/ReplyFraming.h"
 
 namespace arkeon {
 namespace {
@@ -38,31 +36,6 @@ int statusOf(CURLcode result) {
     }
 }
 
-/// A reply may have the header in several lines.
-bool isChunked(CURL* handle) {
-    curl_header* line = nullptr;
-    std::size_t index = 0;
-    while (client().curl_easy_header(handle, "Transfer-Encoding", index, CURLH_HEADER, -1, &line) ==
-           CURLHE_OK) {
-        if (strcasestr(line->value, "chunked") != nullptr) {
-            return true;
-        }
-        ++index;
-    }
-    return false;
-}
-
-/// Whether only the end of the connection ends the reply's body (RFC 9112, 6.3).
-bool endsWithConnection(CURL* handle) {
-    constexpr long noContent = 204;
-    constexpr long notModified = 304;
-    long httpStatus = 0;
-    curl_off_t length = 0;
-    client().curl_easy_getinfo(handle, CURLINFO_RESPONSE_CODE, &httpStatus);
-    client().curl_easy_getinfo(handle, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
-    return httpStatus != noContent && httpStatus != notModified && length < 0 && !isChunked(handle);
-}
-
 /// libcurl is content with a connection that is cut off inside the head, or anywhere in a body that
 /// has no length.
 bool isWhole(CURL* handle, const TransferNotes& notes) {
@@ -75,6 +48,11 @@ bool isRefusal(const TransferNotes& notes) {
     return notes.alertReceived && !notes.replyBegun;
 }
 
+/// libcurl takes a line of the head up to 100 KiB; of a longer one it says that it has no memory.
+bool isHeadLineTooLong(CURLcode result, const TransferNotes& notes) {
+    return result == CURLE_OUT_OF_MEMORY && notes.requestSent && !notes.replyHeadWhole;
+}
+
 }  // namespace
 
 int transferStatus(CURL* handle, CURLcode result, const TransferNotes& notes) {
@@ -83,6 +61,9 @@ int transferStatus(CURL* handle, CURLcode result, const TransferNotes& notes) {
     }
     if (notes.resendRefused) {
         return status::connectionBroke;
+    }
+    if (isHeadLineTooLong(result, notes)) {
+        return status::replyTooLarge;
     }
     const int status = statusOf(result);
     if (status == status::success) {
@@ -94,6 +75,12 @@ int transferStatus(CURL* handle, CURLcode result, const TransferNotes& notes) {
 std::string_view observed(CURLcode result, const TransferNotes& notes) {
     if (notes.replyTooLarge) {
         return "the reply is over the limit";
+    }
+    if (isHeadLineTooLong(result, notes)) {
+        return "a line of the reply's head is over the limit, or there is no memory for it";
+    }
+    if (notes.lengthUnclear) {
+        return "the reply's Content-Length is not one number";
     }
     if (notes.outOfMemory) {
         return "no memory for the body";

@@ -1,6 +1,7 @@
 #include "https/TransferNotes.h"
 
 #include "https/ClientLibraries.h"
+#include "https/ReplyFraming.h"
 
 #include <algorithm>
 #include <exception>
@@ -65,6 +66,22 @@ std::size_t onBody(char* data, std::size_t one, std::size_t size, void* context)
 }
 
 /// An interim reply (1xx) has a head of its own; the final reply's status line starts anew.
+void noteStatusLine(TransferNotes& notes, std::string_view line) {
+    const std::size_t blank = line.find(' ');
+    notes.insideHead = true;
+    notes.replyIsInterim =
+        blank != std::string_view::npos && line.substr(blank + 1).starts_with('1');
+}
+
+/// @return whether the reply may go on
+bool noteEndOfHead(TransferNotes& notes) {
+    notes.insideHead = false;
+    notes.replyHeadWhole = !notes.replyIsInterim;
+    notes.lengthUnclear = notes.replyHeadWhole && !hasClearLength(notes.handle);
+    return !notes.lengthUnclear;
+}
+
+/// The lines of all heads, then those that may follow a body in chunks.
 std::size_t onHeader(char* data, std::size_t one, std::size_t size, void* context) {
     TransferNotes& notes = notesOf(context);
     const std::string_view line(data, size);
@@ -74,16 +91,27 @@ std::size_t onHeader(char* data, std::size_t one, std::size_t size, void* contex
         notes.replyTooLarge = true;
         return 0;
     }
-    if (line.starts_with("HTTP/")) {
-        const std::size_t blank = line.find(' ');
-        const bool interim =
-            blank != std::string_view::npos && line.substr(blank + 1).starts_with('1');
-        notes.replyHeadWhole = false;
-        notes.replyIsInterim = interim;
+    if (notes.replyHeadWhole) {
+        return one * size;
+    }
+    if (!notes.insideHead) {
+        noteStatusLine(notes, line);
     } else if (line == "\r\n" || line == "\n") {
-        notes.replyHeadWhole = !notes.replyIsInterim;
+        return noteEndOfHead(notes) ? one * size : 0;
     }
     return one * size;
+}
+
+/// A compressed body may go on for ever and come to nothing, so that the bytes that arrive count as
+/// those that are decoded do.
+int onProgress(
+    void* context, curl_off_t /*length*/, curl_off_t arrived, curl_off_t /*toSend*/,
+    curl_off_t /*sent*/) {
+    TransferNotes& notes = notesOf(context);
+    if (static_cast<std::size_t>(arrived) > notes.bodyLimit) {
+        notes.replyTooLarge = true;
+    }
+    return notes.replyTooLarge ? 1 : 0;
 }
 
 int onDebug(
@@ -160,6 +188,8 @@ CURLcode takeNotes(CURL* handle, TransferNotes& notes) {
         connect(handle, CURLOPT_OPENSOCKETFUNCTION, onSocket, CURLOPT_OPENSOCKETDATA, notes),
         connect(handle, CURLOPT_PREREQFUNCTION, onRequest, CURLOPT_PREREQDATA, notes),
         connect(handle, CURLOPT_SSL_CTX_FUNCTION, onTlsContext, CURLOPT_SSL_CTX_DATA, notes),
+        connect(handle, CURLOPT_XFERINFOFUNCTION, onProgress, CURLOPT_XFERINFODATA, notes),
+        client().curl_easy_setopt(handle, CURLOPT_NOPROGRESS, 0L),
         // The debug callback is called only then; it takes the place of the output to stderr.
         client().curl_easy_setopt(handle, CURLOPT_VERBOSE, 1L)};
     for (const CURLcode result : results) {

@@ -16,10 +16,12 @@ struct TransferNotes {
     bool resendRefused = false;   ///< libcurl wanted to send the request again
     bool replyIsInterim = false;  ///< the head that arrives is that of a 1xx reply
     bool replyBegun = false;      ///< a line of the reply's head arrived
+    bool insideHead = false;      ///< after a status line and before the head's empty line
     bool replyHeadWhole = false;  ///< the final reply's head arrived with its empty line
     bool alertReceived = false;   ///< the server sent a fatal TLS alert
     bool tlsClosed = false;       ///< the server ended TLS in order
     bool replyTooLarge = false;
+    bool lengthUnclear = false;  ///< the head does not tell one length
     bool outOfMemory = false;
 };
 

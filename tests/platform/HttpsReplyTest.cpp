@@ -170,6 +170,9 @@ INSTANTIATE_TEST_SUITE_P(
             "HeaderLines", "HTTP/1.1 200 OK\r\n" + repeated("X-Header: value\r\n", 30'000),
             Ending::drop, status::replyTooLarge, 0, ""},
         ReplyCase{
+            "HeaderLine", "HTTP/1.1 200 OK\r\nX-Header: " + std::string(200'000, 'x'), Ending::drop,
+            status::replyTooLarge, 0, ""},
+        ReplyCase{
             "InterimReplies", repeated("HTTP/1.1 102 Processing\r\n\r\n", 30'000), Ending::drop,
             status::replyTooLarge, 0, ""}),
     testing::PrintToStringParamName());
@@ -182,6 +185,54 @@ INSTANTIATE_TEST_SUITE_P(
         ReplyCase{
             "NotGzip", "HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\nContent-Length: 3\r\n\r\nabc",
             Ending::keep, status::clientFailure, 0, ""}),
+    testing::PrintToStringParamName());
+
+std::string replyOfLength(const std::string& length) {
+    return "HTTP/1.1 200 OK\r\nContent-Length: " + length + "\r\n\r\nabc";
+}
+
+constexpr int clientFailure = status::clientFailure;
+
+INSTANTIATE_TEST_SUITE_P(
+    Length, HttpsReplyTest,
+    testing::Values(
+        ReplyCase{"Zeros", replyOfLength("0003"), Ending::keep, 0, 200, "abc"},
+        ReplyCase{"Twice", replyOfLength("3\r\nContent-Length: 3"), Ending::keep, 0, 200, "abc"},
+        ReplyCase{
+            "OfAnInterimReply",
+            "HTTP/1.1 103 Early Hints\r\nContent-Length: 1\r\n\r\n" + plainReply("abc"),
+            Ending::keep, 0, 200, "abc"},
+        ReplyCase{
+            "TwoLengths", replyOfLength("1\r\nContent-Length: 3"), Ending::drop, clientFailure, 0,
+            ""},
+        ReplyCase{"List", replyOfLength("3, 3"), Ending::drop, clientFailure, 0, ""},
+        ReplyCase{"Sign", replyOfLength("+3"), Ending::drop, clientFailure, 0, ""},
+        ReplyCase{"Negative", replyOfLength("-3"), Ending::drop, clientFailure, 0, ""},
+        ReplyCase{"NegativeZero", replyOfLength("-0"), Ending::drop, clientFailure, 0, ""},
+        ReplyCase{"LetterAfterIt", replyOfLength("3x"), Ending::drop, clientFailure, 0, ""},
+        ReplyCase{"Nothing", replyOfLength(""), Ending::drop, clientFailure, 0, ""},
+        ReplyCase{
+            "Beyond63Bits", replyOfLength("9223372036854775808"), Ending::closeNotify,
+            clientFailure, 0, ""}),
+    testing::PrintToStringParamName());
+
+TEST_F(HttpsTest, ALengthThatIsNotOneNumberIsNamedInTheLog) {
+    TlsScriptServer server(goodSettings(), {{replyOfLength("3, 3"), Ending::drop}});
+    EXPECT_EQ(get(server.port()), clientFailure);
+    EXPECT_THAT(log_.text(), HasSubstr("; the reply's Content-Length is not one number\n"));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    NamesLikeStatusLines, HttpsReplyTest,
+    testing::Values(
+        ReplyCase{
+            "InTheHead", "HTTP/1.1 200 OK\r\nHTTP/X: 100\r\nContent-Length: 3\r\n\r\nabc",
+            Ending::keep, 0, 200, "abc"},
+        ReplyCase{
+            "AfterTheBody",
+            "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n3\r\nabc\r\n0\r\n"
+            "HTTP/X: 100\r\n\r\n",
+            Ending::keep, 0, 200, "abc"}),
     testing::PrintToStringParamName());
 
 TEST_F(HttpsTest, ABodyThatWasHardlyCompressedKeepsNoRoom) {
@@ -219,6 +270,14 @@ TEST_F(HttpsReplySizeTest, BodyOverTheLimitIsGivenUp) {
 TEST_F(HttpsReplySizeTest, DecodedBytesCount) {
     EXPECT_EQ(resultOf(gzipReply(std::string(1000, 'x'))), 0);
     EXPECT_EQ(resultOf(gzipReply(std::string(1'000'000, 'x'))), status::replyTooLarge);
+}
+
+/// Compressed in empty blocks, which come to nothing (RFC 1951, 3.2.4).
+TEST_F(HttpsReplySizeTest, EncodedBytesCount) {
+    const std::string gzipHead("\x1f\x8b\x08\0\0\0\0\0\0\3", 10);
+    const std::string emptyBlock("\0\0\0\xff\xff", 5);
+    const std::string head = "HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\n\r\n";
+    EXPECT_EQ(resultOf(head + gzipHead + repeated(emptyBlock, 100'000)), status::replyTooLarge);
 }
 
 TEST_F(HttpsTest, TheLimitIsTwoGibibytes) {

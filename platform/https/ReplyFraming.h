@@ -1,0 +1,15 @@
+#pragma once
+
+#include <curl/curl.h>
+
+namespace arkeon {
+
+/// Whether the head of the final reply says at most one length, and that as a number (RFC 9112,
+/// 6.3): libcurl takes the last of several, what stands before the first letter, and none at all
+/// where a number is beyond 64 bits. To be asked once the head is whole.
+bool hasClearLength(CURL* handle);
+
+/// Whether only the end of the connection ends the reply's body (RFC 9112, 6.3).
+bool endsWithConnection(CURL* handle);
+
+}  // namespace arkeon
