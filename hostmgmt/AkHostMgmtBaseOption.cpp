@@ -29,8 +29,8 @@ std::string AkHostMgmtBaseOption::getJSONpayload() {
     return text ? text.get() : "";
 }
 
-JsonRef AkHostMgmtBaseOption::parseJSON(const char* text) const {
-    JsonRef value(json_loads(text, 0, nullptr));
+JsonRef AkHostMgmtBaseOption::parseJSON(std::string_view text) const {
+    JsonRef value(json_loadb(text.data(), text.size(), 0, nullptr));
     if (!value) {
         operationLog.logit({"load_json() failed:", text, "\n"}, logLevel::failure);
     }
@@ -38,6 +38,10 @@ JsonRef AkHostMgmtBaseOption::parseJSON(const char* text) const {
 }
 
 int AkHostMgmtBaseOption::loadJSON(const char* text) {
+    return loadReply(text);
+}
+
+int AkHostMgmtBaseOption::loadReply(std::string_view text) {
     payload.reset();  // first, so that two large replies never stand side by side
     payload = parseJSON(text);
     return payload ? arkeon::status::success : arkeon::status::unreadableReply;

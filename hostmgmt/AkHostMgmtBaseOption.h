@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 
 class AKClientCURL;
 
@@ -43,6 +44,9 @@ public:
     /// Replaces the JSON object by the parsed text.
     /// @return 0; 7610 when the text is not JSON: the object is then null, and the text is logged
     int loadJSON(const char* text);
+
+    /// The same for a whole reply: a NUL does not end it but makes it something else than JSON.
+    int loadReply(std::string_view text);
 
     /// Reads a member of the JSON object.
     /// @return 0; 7610 when it is absent or not of that type: `value` is then untouched
@@ -143,7 +147,7 @@ protected:
     JsonRef payload;
 
 private:
-    JsonRef parseJSON(const char* text) const;
+    JsonRef parseJSON(std::string_view text) const;
     int encodeName(AKClientCURL& client, const std::string& plain, std::string& encoded) const;
     int auditHeaderLine(AKClientCURL& client, std::string& line) const;
     int perform(

@@ -168,7 +168,7 @@ int AkHostMgmtList::findOwnHostId(std::string& hostId) {
 }
 
 int AkHostMgmtList::printHosts(std::string response) {
-    if (const int failure = loadJSON(response.c_str()); failure != 0) {
+    if (const int failure = loadReply(response); failure != 0) {
         submitErrorStringForWebApi(arkeon::status::unreadableReply);
         return failure;
     }

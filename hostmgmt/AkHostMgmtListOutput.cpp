@@ -80,7 +80,7 @@ void AkHostMgmtList::printOutput(std::string response) {
         console.write("\n");
         return;
     }
-    const bool parsed = std::exchange(replyParsed, false) || loadJSON(response.c_str()) == 0;
+    const bool parsed = std::exchange(replyParsed, false) || loadReply(response) == 0;
     if (!parsed) {
         submitErrorStringForWebApi(arkeon::status::unreadableReply);
         return;

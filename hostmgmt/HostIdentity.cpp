@@ -106,7 +106,7 @@ int AkHostMgmtBaseOption::failLookup(int status) {
 }
 
 int AkHostMgmtBaseOption::hostIdFromLookup(const std::string& reply, std::string& hostId) {
-    const JsonRef root = parseJSON(reply.c_str());
+    const JsonRef root = parseJSON(reply);
     const json_t* hosts = json_object_get(root.get(), "hosts");
     if (!json_is_array(hosts)) {
         operationLog.logit("Hosts value is NULL", logLevel::failure);

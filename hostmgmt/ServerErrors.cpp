@@ -14,7 +14,7 @@ int AkHostMgmtBaseOption::logErrorMessage(const std::string& reply, long& errorC
     std::string text;
     long code = 0;
     errorCode = arkeon::status::unreadableReply;
-    if (loadJSON(reply.c_str()) != 0 || getIntValue("errorCode", code) != 0) {
+    if (loadReply(reply) != 0 || getIntValue("errorCode", code) != 0) {
         return arkeon::status::unreadableReply;
     }
     operationLog.logit(

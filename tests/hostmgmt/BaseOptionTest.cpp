@@ -40,6 +40,14 @@ TEST(BaseOption, AnUnreadableReplyGives7610AndLeavesNoPayload) {
     }
 }
 
+TEST(BaseOption, ANulDoesNotEndAReply) {
+    TestOperation test;
+    EXPECT_EQ(test.operation.loadReply(std::string("{}\0x", 4)), 7610);
+    EXPECT_FALSE(test.operation.hasPayload());
+    EXPECT_EQ(test.operation.loadReply("{}"), 0);
+    EXPECT_TRUE(test.operation.hasPayload());
+}
+
 TEST(BaseOption, IntegersAreReadOrLeftUntouched) {
     TestOperation test;
     test.operation.loadJSON(R"({"n":-12,"big":5000000000,"text":"5","real":5.0,"null":null})");
