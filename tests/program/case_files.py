@@ -16,8 +16,11 @@ KEYS = {
     "stdout_to", "stderr_to", "ignores_sigpipe", "files", "server", "replies", "timeout",
     "stdout", "stderr", "stderr_begins", "status", "signal", "requests", "connections",
     "log", "log_is", "log_absent", "unprivileged", "killed_by", "seen", "longest_file",
+    "bystander",
 }  # fmt: skip
-REPLY_KEYS = {"status", "json", "body", "type", "headers", "coding", "raw", "then"}
+REPLY_KEYS = {
+    "status", "json", "body", "type", "headers", "coding", "raw", "then", "drip", "endless",
+}  # fmt: skip
 REQUEST_KEYS = {"method", "target", "headers", "body"}
 MEDIA_TYPE = "application/vnd.arkeon+json;version=6.0"
 
@@ -122,11 +125,15 @@ def _content(path):
 def load(path):
     """A file's cases with the defaults laid under them, their texts, and every run's files."""
     path = pathlib.Path(path)
+    return complete(_content(path), path.name, path.parent)
+
+
+def complete(own, label, folder=FOLDER):
+    """As `load`, for what a case file holds; `label` names it, its golden files are in `folder`."""
     shared = tomllib.loads((FOLDER / "defaults.toml").read_text())
-    own = _content(path)
-    _check_keys(own, {"defaults", "texts", "case", "factor", "product"}, path.name)
+    _check_keys(own, {"defaults", "texts", "case", "factor", "product"}, label)
     defaults = _merge(shared["defaults"], own.get("defaults", {}))
-    texts = Texts(_merge(shared["texts"], own.get("texts", {})), path.parent)
+    texts = Texts(_merge(shared["texts"], own.get("texts", {})), folder)
     request_defaults, by_method = defaults.pop("request"), defaults.pop("request_by_method")
     cases = []
     products = _products(own.get("product", []), own.get("factor", {}))
@@ -142,8 +149,13 @@ def load(path):
     names = [case["name"] for case in cases]
     repeated = {name for name in names if names.count(name) > 1}
     if repeated:
-        raise CaseError(f"{path.name} has names that stand twice: {', '.join(sorted(repeated))}")
+        raise CaseError(f"{label} has names that stand twice: {', '.join(sorted(repeated))}")
     return cases, texts, shared["standard_files"]
+
+
+def reply_endless(reply, texts, known):
+    """What a scripted reply goes on with for ever; empty: it ends."""
+    return texts.bytes(reply.get("endless", ""), known)
 
 
 def reply_bytes(reply, texts, known):

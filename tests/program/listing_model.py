@@ -1,8 +1,11 @@
 """What `-list` prints for a reply, written down a second time: a model to hold the tool against."""
 
+import json
+import re
 from datetime import datetime, timedelta, timezone
 
 EPOCH = datetime(1970, 1, 1, tzinfo=timezone.utc)
+CYCLE = timedelta(days=146_097) // timedelta(seconds=1)  # of the calendar: 400 years
 
 TEXT_LINES = [
     ("Host ID", "uuid"), ("Host", "hostName"), ("Master Server", "masterServer"),
@@ -22,16 +25,38 @@ def pad(text, width):
     return text + " " * (width - len(text.encode()))
 
 
+def member(value, key, default=None):
+    """A member of what need not be an object."""
+    return value.get(key, default) if isinstance(value, dict) else default
+
+
+def elements(value, key):
+    """A member's elements; of what is no array there are none."""
+    found = member(value, key)
+    return found if isinstance(found, list) else []
+
+
 def text_of(record, key):
-    if key in record and record[key] is None:
-        return ""
-    value = record.get(key)
-    return value if isinstance(value, str) else "(null)"
+    value = member(record, key, default=0)
+    return "" if value is None else value if isinstance(value, str) else "(null)"
+
+
+def name_of(mapping):
+    value = member(mapping, "mappedHostName")
+    return value if isinstance(value, str) else ""
+
+
+def integer(value):
+    return value if type(value) is int else 0
 
 
 def date(milliseconds):
-    when = EPOCH + timedelta(seconds=(milliseconds or 0) // 1000)
-    return when.strftime("%b %d, %Y %I:%M:%S %p")
+    """The date of any year, in UTC; a part of a second is cut off towards the epoch."""
+    milliseconds = integer(milliseconds)
+    seconds = milliseconds // 1000 if milliseconds >= 0 else -(-milliseconds // 1000)
+    when = EPOCH + timedelta(seconds=seconds % CYCLE)
+    year = when.year + 400 * (seconds // CYCLE)
+    return when.strftime(f"%b %d, {year} %I:%M:%S %p")
 
 
 def yes(condition):
@@ -45,15 +70,15 @@ def trimmed(name):
 
 
 def row(mapping):
-    manual = mapping.get("isAddedManually", False)
+    manual = member(mapping, "isAddedManually", False)
     cells = [
         trimmed(text_of(mapping, "mappedHostName")),
-        yes(mapping.get("isApproved") is True),
-        yes(mapping.get("isConflicting") is True),
-        yes(manual is False),
-        yes(mapping.get("isShared") is True),
-        date(mapping.get("createdOn")),
-        date(mapping.get("updatedOn")),
+        yes(member(mapping, "isApproved") is True),
+        yes(member(mapping, "isConflicting") is True),
+        yes(manual is not None and manual is not True),
+        yes(member(mapping, "isShared") is True),
+        date(member(mapping, "createdOn")),
+        date(member(mapping, "updatedOn")),
     ]
     return "\n" + "".join(pad(cell, width) for cell, (_, width) in zip(cells, COLUMNS))
 
@@ -61,40 +86,75 @@ def row(mapping):
 def table(mappings, unfiltered):
     header = "\n\n" + "".join(pad(label, width) for label, width in COLUMNS)
     if unfiltered:
-        approved = [each for each in mappings if each.get("isApproved") is True]
-        pending = [each for each in mappings if each.get("isApproved", False) is False]
+        approvals = [(each, member(each, "isApproved", False)) for each in mappings]
+        approved = [each for each, approval in approvals if approval is True]
+        pending = [each for each, approval in approvals if not (approval is None or approval is True)]
         mappings = approved + pending
     return header + "".join(map(row, mappings)) + "\n"
 
 
 def long_host(host, unfiltered):
-    end = host.get("autoReissueDuration") or 0
+    end = integer(member(host, "autoReissueDuration"))
     lines = [(label, text_of(host, key)) for label, key in TEXT_LINES] + [
-        ("Secure", yes(host.get("isSecureEnabled") is True)),
+        ("Secure", yes(member(host, "isSecureEnabled") is True)),
         ("Comment", text_of(host, "comment")),
-        ("Allow Auto Reissue Certificate", yes(host.get("autoReissue") is True)),
+        ("Allow Auto Reissue Certificate", yes(member(host, "autoReissue") is True)),
         ("Trust Version", text_of(host, "trustVersion")),
         ("Allow Auto Reissue Certificate Validity", date(end) if end else ""),
         ("Subject Name of External Certificate", text_of(host, "externalCertificateSubject")),
-        ("Arkeon CA Issued Certificate", yes(host.get("hasArkeonCaHostCertificate") is True)),
+        ("Arkeon CA Issued Certificate", yes(member(host, "hasArkeonCaHostCertificate") is True)),
     ]
     block = "".join(f"\n{pad(label, 40)} : {value}" for label, value in lines)
-    return block + table(host.get("hostMappings") or [], unfiltered)
+    return block + table(elements(host, "hostMappings"), unfiltered)
 
 
 def short_names(host, primary):
-    names = [mapping.get("mappedHostName") or "" for mapping in host.get("hostMappings") or []]
+    names = [name_of(mapping) for mapping in elements(host, "hostMappings")]
     first = [primary] if primary in names else []
     others = [name for name in names if name != primary]
     return ", ".join(first + others) + "\n"
 
 
+def primary_of(host):
+    value = member(host, "hostName")
+    return value if isinstance(value, str) else ""
+
+
 def short_hosts(hosts):
     return f"\n{pad('Host ID', 39)} Mapped Names" + "".join(
-        f"\n{pad(text_of(host, 'uuid'), 40)}{short_names(host, host.get('hostName') or '')}"
+        f"\n{pad(text_of(host, 'uuid'), 40)}{short_names(host, primary_of(host))}"
         for host in hosts
     )
 
 
 def long_hosts(hosts, unfiltered=False):
     return "".join(long_host(host, unfiltered) for host in hosts)
+
+
+def json_text(text):
+    escaped = json.dumps(text, ensure_ascii=False)
+    return re.sub(r"\\\\|\\u00..", lambda match: "\\u" + match[0][2:].upper()
+                  if match[0] != "\\\\" else match[0], escaped)  # fmt: skip
+
+
+def json_real(number):
+    text = "%.17g" % number
+    text = re.sub(r"e([+-])0*(?=\d)", lambda match: "e" + match[1].strip("+"), text)
+    return text if re.search("[.e]", text) else text + ".0"
+
+
+def laid_out(value, depth=0):
+    """What `-json` prints."""
+    if isinstance(value, str):
+        return json_text(value)
+    if isinstance(value, float):
+        return json_real(value)
+    if not isinstance(value, (dict, list)):
+        return json.dumps(value)
+    parts = [laid_out(each, depth + 1) for each in value] if isinstance(value, list) else [
+        f"{json_text(key)}: {laid_out(each, depth + 1)}" for key, each in value.items()]  # fmt: skip
+    begin, end = "[]" if isinstance(value, list) else "{}"
+    if not parts:
+        return begin + end
+    margin = "\n" + "   " * (depth + 1)
+    return f"{begin}{margin}{f',{margin}'.join(parts)}{margin[:-3]}{end}"

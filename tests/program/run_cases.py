@@ -28,8 +28,8 @@ SERVER_KINDS = {"running", "none", "unnamed", "plain", "silent", "TLS 1.1", "TLS
 LOG_LINE = re.compile(r"\d{4}(?:-\d\d){2}T\d\d:\d\d:\d\d\.\d{3}[+-]\d{4} (\d+) (.*)", re.DOTALL)
 
 
-def arguments():
-    parser = argparse.ArgumentParser(description=__doc__)
+def argument_parser(description):
+    parser = argparse.ArgumentParser(description=description)
     parser.add_argument("--tool", required=True, type=os.path.abspath)
     parser.add_argument("--devserver", required=True, help="makes the certificates")
     parser.add_argument("--make-certificates", help="the program that makes those of other kinds")
@@ -39,6 +39,11 @@ def arguments():
     parser.add_argument(
         "--define", action="append", default=[], metavar="NAME=VALUE", help="a placeholder"
     )
+    return parser
+
+
+def arguments():
+    parser = argument_parser(__doc__)
     parser.add_argument("case_files", nargs="+", metavar="CASEFILE")
     return parser.parse_args()
 
@@ -95,12 +100,20 @@ class Stage:
         if kind != "unnamed":
             self._free.put(address)
 
+    def bystander(self):
+        """A server that nobody should turn to, with its `address`."""
+        address, listener = self.listener("unnamed")
+        bystander = scripted_server.Bystander(listener)
+        bystander.address = address
+        return bystander
+
     def server(self, case, listener, texts, known):
         kind = case["server"]
         replies = [
             scripted_server.Reply(
-                case_files.reply_bytes(reply, texts, known), reply.get("then", "keep")
-            )
+                case_files.reply_bytes(reply, texts, known), reply.get("then", "keep"),
+                case_files.reply_endless(reply, texts, known), reply.get("drip"),
+            )  # fmt: skip
             for reply in case["replies"]
         ]
         context = None
@@ -125,6 +138,8 @@ def run_case(stage, case, texts, standard_files):
             known = {"server": address, "token": token, "host_id": HOST_ID, "folder": name}
             known["today"] = datetime.datetime.now(datetime.UTC).strftime("%Y%m%d")
             known |= stage.defined
+            bystander = stage.bystander() if case.get("bystander") else None
+            known["bystander"] = bystander.address if bystander else ""
             box = sandbox.Sandbox(folder, known, stage.certificates, stage.stranger)
             box.make_files(standard_files + case["files"], texts)
             box.note_files()
@@ -139,7 +154,9 @@ def run_case(stage, case, texts, standard_files):
                     server.stop()
                 elif listener:
                     listener.close()
-            return Verdict(case, texts, known).differences(run, server, box)
+                if bystander:
+                    bystander.stop()
+            return Verdict(case, texts, known).differences(run, server, box, bystander)
     finally:
         stage.give_back(address, kind)
 
@@ -163,12 +180,14 @@ class Verdict:
         self._known = known
         self._found = []
 
-    def differences(self, run, server, box):
+    def differences(self, run, server, box, bystander):
         self._status(run)
         self._same_bytes("stdout", self._bytes(self._case["stdout"]), run.out.data)
         self._standard_error(run.err.data)
         if server:
             self._requests(server)
+        if bystander:
+            self._same("connections to the bystander", 0, bystander.connections)
         log = self._log_texts(box.log_lines(), run.pid)
         self._log(log)
         self._found += [f"the run has made {path}" for path in box.new_files()]
@@ -269,11 +288,10 @@ class Verdict:
             self._found += [f"log: has {text!r}: {line}" for line in found if text in line]
 
 
-def chosen_cases(options):
+def chosen_cases(options, files):
+    """The cases to run, of `files`: pairs of a label and what `case_files` gives for it."""
     chosen = []
-    for path in options.case_files:
-        cases, texts, standard_files = case_files.load(path)
-        label = pathlib.Path(path).stem
+    for label, (cases, texts, standard_files) in files:
         for case in cases:
             if fnmatch.fnmatch(case["name"], options.filter):
                 chosen.append((f"{label}: {case['name']}", case, texts, standard_files))
@@ -298,9 +316,8 @@ def run_all(options, chosen):
     return failed
 
 
-def main():
-    options = arguments()
-    chosen = chosen_cases(options)
+def main(options, chosen):
+    """Does as the options say; the exit status."""
     if options.list:
         print("\n".join(label for label, *_ in chosen))
         return 0
@@ -312,5 +329,11 @@ def main():
     return 1 if failed or not chosen else 0
 
 
+def main_of_files():
+    options = arguments()
+    files = [(pathlib.Path(path).stem, case_files.load(path)) for path in options.case_files]
+    return main(options, chosen_cases(options, files))
+
+
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(main_of_files())

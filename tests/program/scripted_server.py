@@ -4,6 +4,7 @@ import os
 import random
 import socket
 import ssl
+import struct
 import threading
 
 PORT = 1556
@@ -29,15 +30,21 @@ class Request:
 
 
 class Reply:
-    """What goes out on the wire for one request, and what happens to the connection then."""
+    """What goes out on the wire for one request, and what happens to the connection then.
 
-    AFTERWARDS = ("keep", "close", "abort", "stall", "leave")
+    `endless` follows `data` again and again until the client goes. `drip` tells how the data come
+    slowly: from the byte `from` on, `bytes` at a time with `seconds` between them.
+    """
 
-    def __init__(self, data, afterwards="keep"):
+    AFTERWARDS = ("keep", "close", "abort", "reset", "clear text", "stall", "leave")
+
+    def __init__(self, data, afterwards="keep", endless=b"", drip=None):
         if afterwards not in self.AFTERWARDS:
             raise ValueError(f"then = {afterwards!r} is none of {self.AFTERWARDS}")
         self.data = data
         self.afterwards = afterwards
+        self.endless = endless
+        self.drip = {"from": 0, "bytes": 1, "seconds": 0} | drip if drip else None
 
 
 def random_address():
@@ -55,6 +62,15 @@ def listen(address):
         listener.close()
         raise
     return listener
+
+
+def end(connection):
+    """Ends both directions, whatever state the connection is in."""
+    try:
+        # Not SSLSocket's own, after which a recv in progress would give encrypted bytes.
+        socket.socket.shutdown(connection, socket.SHUT_RDWR)
+    except OSError:
+        pass
 
 
 class ScriptedServer:
@@ -79,18 +95,10 @@ class ScriptedServer:
     def stop(self):
         self._stopping.set()
         for connection in [self._listener, *self._sockets]:
-            self._end(connection)
+            end(connection)
         for thread in self._threads:
             thread.join(10)
         self._listener.close()
-
-    @staticmethod
-    def _end(connection):
-        try:
-            # Not SSLSocket's own, after which a recv in progress would give encrypted bytes.
-            socket.socket.shutdown(connection, socket.SHUT_RDWR)
-        except OSError:
-            pass
 
     def _accept(self):
         while not self._stopping.is_set():
@@ -148,13 +156,27 @@ class ScriptedServer:
             secure.sendall(b"HTTP/1.1 503 No Reply Left\r\nContent-Length: 0\r\n\r\n")
             return False
         if reply.afterwards == "leave":  # before the reply, so that nobody can be quicker
-            self._end(self._listener)
-        secure.sendall(reply.data)
+            end(self._listener)
+        self._send(secure, reply)
         if reply.afterwards == "stall":
             self._stopping.wait()
-        if reply.afterwards in ("close", "leave"):
+        elif reply.afterwards == "reset":
+            secure.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
+        elif reply.afterwards == "clear text":
+            socket.socket.sendall(secure, b"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n")
+        elif reply.afterwards in ("close", "leave"):
             secure.unwrap()
         return reply.afterwards == "keep"
+
+    def _send(self, secure, reply):
+        start = reply.drip["from"] if reply.drip else len(reply.data)
+        secure.sendall(reply.data[:start])
+        for place in range(start, len(reply.data), reply.drip["bytes"] if reply.drip else 1):
+            if self._stopping.wait(reply.drip["seconds"]):
+                return
+            secure.sendall(reply.data[place : place + reply.drip["bytes"]])
+        while reply.endless and not self._stopping.is_set():
+            secure.sendall(reply.endless)
 
     def _read_request(self, secure):
         data = b""
@@ -178,6 +200,30 @@ class ScriptedServer:
             self.problems.append(f"bytes after a request: {body[length:]!r}")
         request.body = body[:length]
         return request
+
+
+class Bystander:
+    """Listens where nobody has a reason to connect, until `stop`."""
+
+    def __init__(self, listener):
+        self.connections = 0
+        self._listener = listener
+        self._thread = threading.Thread(target=self._accept, daemon=True)
+        self._thread.start()
+
+    def stop(self):
+        end(self._listener)
+        self._thread.join(10)
+        self._listener.close()
+
+    def _accept(self):
+        while True:
+            try:
+                connection, _ = self._listener.accept()
+            except OSError:
+                return
+            self.connections += 1
+            connection.close()
 
 
 def server_context(certificate, private_key, authorities, tls=None):

@@ -1,0 +1,113 @@
+"""Whole-program cases that a program makes where a file would only repeat itself."""
+
+import case_files
+import run_cases
+
+LIST = "/arkeon/config/hosts/hostmappings"
+LOOKUP = LIST + "?mappedhostname=h"
+LOOKED_UP = '{"hosts":[{"uuid":"u"}]}'
+ASKED_FIRST = (
+    "It is not recommended to manually add a host except for specific scenarios. For more details, "
+    "refer to the Adding a Arkeon host manually section from the Arkeon Security and Encryption "
+    "Guide.\nDo you really want to add a host? (y/n): "
+)
+
+
+class Operation:
+    """A command line whose last request is the one that a case is about.
+
+    `before` are the replies to the requests before that one, `asked` is what it prints before any.
+    """
+
+    def __init__(self, name, args, requests, before=(), asked=""):
+        self.name = name
+        self.args = args
+        self.requests = requests
+        self.before = list(before)
+        self.asked = asked
+
+    def case(self, name, reply, stdout="", **expected):
+        """A case with this reply to the last request."""
+        return {
+            "name": f"{self.name}: {name}", "args": self.args, "requests": self.requests,
+            "replies": [*self.before, reply], "stdout": [self.asked, stdout], **expected,
+        }  # fmt: skip
+
+    def with_first_reply(self, reply):
+        return Operation(self.name, self.args, self.requests, [reply, *self.before[1:]], self.asked)
+
+    def with_options(self, *options):
+        name = " ".join([self.name, *options])
+        return Operation(name, [*self.args, *options], self.requests, self.before, self.asked)
+
+
+def _change(name, method, options, target, body=""):
+    """An operation that looks a host up and then changes it."""
+    change = {"method": method, "target": f"/arkeon/config/hosts/{target}", "body": body}
+    return Operation(
+        f"-{name}", [f"-{name}", "-host", "h", *options], [{"target": LOOKUP}, change],
+        [{"json": LOOKED_UP}])  # fmt: skip
+
+
+LISTING = Operation("-list", ["-list"], [{"target": LIST}])
+FILTERED = Operation("-list -approved", ["-list", "-ap"], [{"target": LIST + "?isapproved=true"}])
+ONE_HOST = Operation("-list -hostid", ["-list", "-i", "x"], [{"target": "/arkeon/config/hosts/x"}])
+OWN = Operation("-list -apvmappings", ["-list", "-am"], [{
+    "target": "/arkeon/config/hosts/{host_id}/hostmappings?isapproved=true",
+    "headers": {"Authorization": False},
+}])  # fmt: skip
+ADD = _change("add", "PUT", ["-mappingname", "m"], "u/hostmappings/m", '{"isShared":false}')
+DELETE = _change("delete", "DELETE", ["-mappingname", "m"], "u/hostmappings/m")
+REISSUE = _change(
+    "allowautoreissuecert", "PATCH", ["-autoreissue", "1"], "u", '{"autoReissue":true}')  # fmt: skip
+CHANGES = [
+    ADD, DELETE, REISSUE,
+    _change("addcomment", "PUT", ["-comment", "c"], "u/comment", '{"comment":"c"}'),
+    _change("deletecomment", "PUT", [], "u/comment", '{"comment":""}'),
+    _change("updatehost", "PATCH", ["-newhostname", "n"], "u", '{"hostName":"n"}'),
+]  # fmt: skip
+LOOKUPS = [
+    Operation(f"{each.name}, look-up", each.args, each.requests[:1]) for each in CHANGES
+]  # fmt: skip
+ADD_HOST = Operation("-addhost", ["-addhost", "-host", "h"], [{
+    "method": "POST", "target": "/arkeon/config/hosts/", "body": '{"hostName":"h"}',
+}], asked=ASKED_FIRST)  # fmt: skip
+# One for each kind of request.
+REQUESTS = [LISTING, OWN, LOOKUPS[0], ADD, DELETE, REISSUE, ADD_HOST]
+
+
+def shell_status(code):
+    return code % 256 or (255 if code else 0)
+
+
+def failure(code):
+    """What a run shows that ends with this status, which is not that of a login."""
+    return {
+        "stderr": f"Exit Status {code}: {{status:{code}}}\n", "status": shell_status(code),
+        "log": [f"2 akhostmgmt: Return value is: {code}"],
+    }  # fmt: skip
+
+
+def binary(data):
+    """Bytes as a text of a case; a str is taken as UTF-8."""
+    return {"hex": (data.encode() if isinstance(data, str) else data).hex()}
+
+
+def main(description, groups, whole=()):
+    """Runs the cases of all groups, which are functions by name; the exit status.
+
+    Nothing is left out of the groups in `whole`.
+    """
+    parser = run_cases.argument_parser(description)
+    parser.add_argument(
+        "--every", type=int, default=1, metavar="N", help="only every Nth case of most groups"
+    )
+    parser.add_argument("--group", choices=groups, help="only the cases of this one")
+    options = parser.parse_args()
+    wanted = {label: group for label, group in groups.items() if options.group in (None, label)}
+    chosen = []
+    for label, group in wanted.items():
+        cases = case_files.complete({"case": list(group())}, label)
+        found = run_cases.chosen_cases(options, [(label, cases)])
+        chosen += found if label in whole else found[:: options.every]
+    return run_cases.main(options, chosen)
