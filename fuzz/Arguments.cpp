@@ -1,25 +1,149 @@
-// Any command line: the argument vector, the option table and the rules of the listing. The words
-// are the input's lines.
+// A command line, its words ended by NUL: the argument vector, the choice of the operation, and the
+// operation's rules.
 
-#include "cmdframework/Runtimecmd.h"
+#include "arkeon/text.h"
 #include "cmdframework/Usagecmd.h"
+#include "driver/Operations.h"
+#include "fuzz/Input.h"
+#include "fuzz/Property.h"
+#include "hostmgmt/AkHostMgmtAdd.h"
+#include "hostmgmt/AkHostMgmtAddHost.h"
+#include "hostmgmt/AkHostMgmtComment.h"
+#include "hostmgmt/AkHostMgmtDelete.h"
 #include "hostmgmt/AkHostMgmtList.h"
+#include "hostmgmt/AkHostMgmtReissueCert.h"
+#include "hostmgmt/AkHostMgmtUpdateHost.h"
 #include "support/CommandLine.h"
 
-#include <cstdint>
-#include <sstream>
+#include <algorithm>
+#include <cstdlib>
+#include <typeinfo>
+
+using fuzz::expect;
+
+namespace {
+
+/// What an operation is told by, and what it cannot do without.
+struct Row {
+    OptionName option;
+    const std::type_info& type;
+    OptionName needed;
+    std::size_t longestReason;
+};
+
+constexpr std::size_t any = std::string::npos;
+
+const Row rows[] = {
+    {operation::add, typeid(AkHostMgmtAdd), option::mappingname, 512},
+    {operation::delete_cmd, typeid(AkHostMgmtDelete), option::mappingname, 512},
+    {operation::lst, typeid(AkHostMgmtList), operation::lst, any},
+    {operation::addcomment, typeid(AkHostMgmtComment), option::comment, any},
+    {operation::deletecomment, typeid(AkHostMgmtComment), operation::deletecomment, any},
+    {operation::setautoreissuecert, typeid(AkHostMgmtReissueCert), option::autoreissue, any},
+    {operation::addhost, typeid(AkHostMgmtAddHost), option::host, any},
+    {operation::updatehost, typeid(AkHostMgmtUpdateHost), option::newhostname, any},
+};
+
+std::string valueOf(const CArgscmd& args, OptionName option) {
+    return args.argValue(nameOrAlias(args, option));
+}
+
+void expectTheSameAgain(const CArgscmd& args) {
+    std::vector<std::string> words;
+    for (const auto& [name, value] : args.options()) {
+        expect(!value.starts_with('-'), "a value does not begin with a dash");
+        words.push_back("-" + name);
+        if (!value.empty()) {
+            words.push_back(value);
+        }
+    }
+    expect(
+        std::ranges::equal(parsed(words).options(), args.options()),
+        "options and values are what they would be on a command line of their own");
+}
+
+void expectRightOperation(const CArgscmd& args, const CBasecmd* chosen) {
+    const Row* row = std::find_if(
+        std::begin(rows), std::end(rows), [&](const Row& each) { return isOn(args, each.option); });
+    if (chosen == nullptr) {
+        expect(row == std::end(rows), "an operation that is on the line is found");
+    } else {
+        expect(row != std::end(rows) && typeid(*chosen) == row->type, "the first one wins");
+    }
+}
+
+void expectTexts(const CArgscmd& args, std::size_t longestReason) {
+    for (const OptionName name :
+         {option::host, option::hostid, option::mappingname, option::newhostname}) {
+        expect(
+            valueOf(args, name).find_first_of("/\\") == std::string::npos, "names have no slashes");
+    }
+    for (const OptionName name : {option::host, option::mappingname, option::newhostname}) {
+        expect(valueOf(args, name).size() <= 1024, "names have 1,024 bytes at most");
+    }
+    expect(valueOf(args, option::comment).size() <= 2048, "a comment has 2,048 bytes at most");
+    expect(valueOf(args, option::reason).size() <= longestReason, "a reason keeps its limit");
+    expect(
+        arkeon::isUtf8(valueOf(args, option::comment)) &&
+            arkeon::isUtf8(valueOf(args, option::newhostname)),
+        "what goes into a body is UTF-8");
+}
+
+/// 0 or 1, as strtoull reads it; a minus, before which there is a blank, wraps.
+void expectSwitch(const std::string& value) {
+    char* end = nullptr;
+    const unsigned long long number = std::strtoull(value.c_str(), &end, 10);
+    const bool ends = std::string_view(end).find_first_not_of(" \t\n\v\f\r") == any;
+    expect(ends && static_cast<std::uint32_t>(number) <= 1, "autoreissue is 0 or 1");
+}
+
+/// What an operation may count on after the check.
+void expectAccepted(const CArgscmd& args) {
+    const Row& row = *std::find_if(
+        std::begin(rows), std::end(rows), [&](const Row& each) { return isOn(args, each.option); });
+    const bool byId = isOn(args, option::hostid);
+    const bool byName = isOn(args, option::host);
+    expect(!isOn(args, option::help), "a request for help is not an operation");
+    expect(isOn(args, row.needed), "what the operation needs is there");
+    expect(!(byId && byName), "a host is named once");
+    expect(byId || byName || row.type == typeid(AkHostMgmtList), "a host is named");
+    expectTexts(args, row.longestReason);
+    if (row.type == typeid(AkHostMgmtAddHost)) {
+        expect(arkeon::isUtf8(valueOf(args, option::host)), "a new host's name is UTF-8");
+    }
+    if (isOn(args, option::autoreissue)) {
+        expectSwitch(valueOf(args, option::autoreissue));
+    }
+}
+
+void expectWords(const CUsagecmd& failure, const std::vector<std::string>& words) {
+    const std::string text = failure.what();
+    expect(!text.empty() && text.size() < 1024, "a refusal has words");
+    if (std::all_of(words.begin(), words.end(), arkeon::isUtf8)) {
+        expect(arkeon::isUtf8(text), "no letter of a refusal is split");
+    }
+}
+
+}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    std::istringstream lines(std::string(reinterpret_cast<const char*>(data), size));
-    std::vector<std::string> words;
-    for (std::string word; std::getline(lines, word);) {
-        words.push_back(word.c_str());  // a word ends at a NUL, as on a real command line
-    }
+    const std::vector<std::string> words = fuzz::Input(data, size).texts();
     CLogcmd log;
+    std::unique_ptr<CBasecmd> operation;
     try {
-        AkHostMgmtList(parsed(words), log).checkArguments();
-    } catch (const CUsagecmd&) {
-    } catch (const CRuntimecmd&) {
+        const CArgscmd args = parsed(words);
+        expectTheSameAgain(args);
+        try {
+            operation = chooseOperation(args, log);
+        } catch (const CUsagecmd&) {
+            expectRightOperation(args, nullptr);
+            throw;
+        }
+        expectRightOperation(args, operation.get());
+        operation->checkArguments();
+        expectAccepted(args);
+    } catch (const CUsagecmd& failure) {
+        expectWords(failure, words);
     }
     return 0;
 }

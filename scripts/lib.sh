@@ -18,6 +18,9 @@ mutation_packages=(python3-clang-14)
 # What the benchmark stands on besides.
 bench_packages=(nginx-core curl git iproute2)
 
+# What fuzzing stands on besides: clang with its libFuzzer and sanitizers.
+fuzz_packages=(clang libclang-rt-14-dev)
+
 say() { printf '\n== %s\n' "$*"; }
 
 # Prints the packages among the arguments that are not installed.
