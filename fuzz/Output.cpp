@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 /// Of the sanitizers' runtime; null where there is none.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the name is the runtime's
 extern "C" __attribute__((weak)) void __sanitizer_set_report_fd(void* descriptor);
 
 namespace fuzz {

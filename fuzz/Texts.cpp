@@ -18,6 +18,10 @@ using fuzz::expect;
 
 namespace {
 
+std::string upToNul(const std::string& text) {
+    return text.substr(0, text.find('\0'));
+}
+
 void expectUtf8(const std::string& text) {
     json_t* json = json_stringn(text.data(), text.size());
     expect(arkeon::isUtf8(text) == (json != nullptr), "jansson finds the same texts UTF-8");
@@ -46,7 +50,7 @@ void expectCopies(const std::string& text, std::size_t limit) {
     const std::size_t cString = std::string(buffer.data()).size();
     const std::size_t whole = arkeon::boundedAppend(buffer.data(), buffer.size(), text);
     expect(whole >= cString && whole <= limit && buffer[whole] == '\0', "so is what is appended");
-    const std::string plain = text.c_str();
+    const std::string plain = upToNul(text);
     const std::size_t formatted =
         arkeon::boundedFormat(buffer.data(), buffer.size(), "%s", plain.c_str());
     expect(
@@ -94,6 +98,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     expectUtf8(text);
     expectVisible(text);
     expectCut(text, limit);
-    expectNames(text.c_str(), other);
+    expectNames(upToNul(text), other);
     return 0;
 }
