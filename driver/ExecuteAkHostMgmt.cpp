@@ -2,12 +2,14 @@
 
 #include "arkeon/catalogue.h"
 #include "arkeon/console.h"
+#include "arkeon/memory_shortage.h"
 #include "arkeon/status.h"
 #include "cmdframework/Messages.h"
 #include "cmdframework/Runtimecmd.h"
 #include "cmdframework/Usagecmd.h"
 #include "driver/ArgumentCopy.h"
 #include "driver/Operations.h"
+#include "driver/Termination.h"
 #include "hostmgmt/JsonMemory.h"
 #include "hostmgmt/Messages.h"
 #include "hostmgmt/OptionNames.h"
@@ -16,6 +18,7 @@
 #include <cerrno>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <string>
 
 using arkeon::Console;
@@ -98,26 +101,20 @@ int statusAfterOutput(int status) {
     return status == arkeon::status::success ? arkeon::status::outputFailed : status;
 }
 
+// What cannot be logged for want of memory does not change the result.
 void logResult(int status) {
-    if (status != 0) {
-        commandLog.logit(text(notSuccessful), logLevel::ordinary);
+    try {
+        if (status != 0) {
+            commandLog.logit(text(notSuccessful), logLevel::ordinary);
+        }
+        commandLog.logit("Return value is: " + std::to_string(status) + "\n", logLevel::ordinary);
+    } catch (const std::bad_alloc&) {
+        return;
     }
-    commandLog.logit("Return value is: " + std::to_string(status) + "\n", logLevel::ordinary);
 }
 
-}  // namespace
-
-int execute_akhostmgmt(int argc, char** argv) {
-    return execute_akhostmgmt_in(logDirectory, argc, argv);
-}
-
-int execute_akhostmgmt_in(const char* directory, int argc, char** argv) {
-    Console::standard();  // takes the standard streams before anything else is opened
-    // The sanitizers are to see each value's end.
-#ifndef __SANITIZE_ADDRESS__
-    keepJsonUntilExit();
-#endif
-
+// The run, once the process is ready for it.
+int run(const char* directory, int argc, char** argv) {
     int localeStatus = 0;
     zvgetlocaleEx(&locale, &localeStatus);
 
@@ -143,6 +140,35 @@ int execute_akhostmgmt_in(const char* directory, int argc, char** argv) {
     operation.reset();  // takes the use count of the log to 0 and below; lines are still written
     logResult(status);
     return status;
+}
+
+// Takes no memory but for the log. Where there is none for an exception, logging ends the process,
+// with the same line and status.
+int reportMemoryShortage() {
+    commandLog.logit(arkeon::memoryShortageText, logLevel::failure);
+    commandLog.logit("Return value is: 20\n", logLevel::ordinary);
+    arkeon::showMemoryShortage();
+    return arkeon::status::generalFailure;
+}
+
+}  // namespace
+
+int execute_akhostmgmt(int argc, char** argv) {
+    return execute_akhostmgmt_in(logDirectory, argc, argv);
+}
+
+int execute_akhostmgmt_in(const char* directory, int argc, char** argv) {
+    Console::standard();  // takes the standard streams before anything else is opened
+    endCleanlyWithoutMemory();
+    // The sanitizers are to see each value's end.
+#ifndef __SANITIZE_ADDRESS__
+    keepJsonUntilExit();
+#endif
+    try {
+        return run(directory, argc, argv);
+    } catch (const std::bad_alloc&) {
+        return reportMemoryShortage();
+    }
 }
 
 int shellStatus(int status) {

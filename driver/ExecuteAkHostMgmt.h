@@ -2,7 +2,8 @@
 
 /// The whole run: sets up the catalogue and the log, chooses the operation from the command line,
 /// checks and executes it, shows every failure, and logs the result. The one place where the
-/// failures of the framework and the operations are caught.
+/// failures of the framework and the operations are caught, and the lack of memory, which ends the
+/// run with status 20.
 ///
 /// Any other exception leaves it: `std::logic_error` when no primary server is configured ends the
 /// process through the runtime's termination handler.

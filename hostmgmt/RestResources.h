@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 /// The REST resources of the host database; the number chooses the URI.
 enum OperationType : int {
@@ -48,8 +49,8 @@ inline constexpr int noContent = 204;
 inline constexpr const char* MAX_VERSION = "6.0";
 
 /// The media type of every reply.
-inline const std::string AK_MEDIA_TYPE_VERSION =
-    std::string("application/vnd.arkeon+json;version=") + MAX_VERSION;
+inline constexpr std::string_view AK_MEDIA_TYPE_VERSION = "application/vnd.arkeon+json;version=6.0";
+static_assert(AK_MEDIA_TYPE_VERSION.ends_with(MAX_VERSION));
 
 /// The relative URI of a resource. `name` is percent-encoded already; the host ID is used as it is.
 std::string

@@ -138,7 +138,7 @@ int AkHostMgmtBaseOption::curlSendRequest(
         submitErrorStringForWebApi(arkeon::status::emptyUri);
         return arkeon::status::emptyUri;
     }
-    client.addHeaderField("Accept: ", AK_MEDIA_TYPE_VERSION);
+    client.addHeaderField("Accept: ", std::string(AK_MEDIA_TYPE_VERSION));
     std::string auditHeader;
     if (const int failure = auditHeaderLine(client, auditHeader); failure != 0) {
         return failure;

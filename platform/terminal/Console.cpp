@@ -103,7 +103,16 @@ void Console::writeThrough(std::string_view text) {
 
 void Console::writeError(std::string_view text) {
     flush();
-    writeAll(error_, errorIsTerminal_ ? visibleText(text) : std::string(text));
+    if (errorIsTerminal_) {
+        writeAll(error_, visibleText(text));
+    } else {
+        writeAll(error_, text);
+    }
+}
+
+void Console::writePlainError(std::string_view text) {
+    flush();
+    writeAll(error_, text);
 }
 
 Console::Line Console::readLine() {
