@@ -9,7 +9,9 @@ AkHostMgmtBaseOption::AkHostMgmtBaseOption(
     const char* newName, CArgscmd newArgs, const PARAMETERS* table, unsigned long count,
     CLogcmd& commandLog)
     : CBasecmd(newName, std::move(newArgs), table, count), operationLog(commandLog),
-      payload(json_object()) {}
+      payload(json_object()) {
+    checkJson(payload != nullptr);
+}
 
 AkHostMgmtBaseOption::~AkHostMgmtBaseOption() = default;
 
@@ -18,7 +20,7 @@ int AkHostMgmtBaseOption::setJSONObject(const char* key, const char* value) {
 }
 
 int AkHostMgmtBaseOption::setJSONObject(const char* key, json_t* value) {
-    json_object_set_new(payload.get(), key, value);
+    checkJson(json_object_set_new(payload.get(), key, value) == 0);
     return arkeon::status::success;
 }
 
@@ -26,6 +28,7 @@ std::string AkHostMgmtBaseOption::getJSONpayload() {
     json_free_t release = nullptr;
     json_get_alloc_funcs(nullptr, &release);
     const std::unique_ptr<char, json_free_t> text(json_dumps(payload.get(), JSON_COMPACT), release);
+    checkJson(text != nullptr || payload == nullptr);
     return text ? text.get() : "";
 }
 

@@ -87,7 +87,7 @@ void AkHostMgmtList::printOutput(std::string response) {
     }
     std::string().swap(response);  // the parsed reply is enough from here; the text may be large
     if (isGiven(option::json)) {
-        json_dump_callback(payload.get(), writeJsonPiece, &console, prettyFlags);
+        checkJson(json_dump_callback(payload.get(), writeJsonPiece, &console, prettyFlags) == 0);
     } else if (!hostList) {
         printSingleHost(payload.get());
     } else if (ownMappings) {

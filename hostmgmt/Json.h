@@ -16,6 +16,10 @@ struct JsonRelease {
 /// A counted reference to a JSON value.
 using JsonRef = std::unique_ptr<json_t, JsonRelease>;
 
+/// For what jansson fails in only for want of memory.
+/// @throws std::bad_alloc when it did not succeed
+void checkJson(bool succeeded);
+
 /// The text of a string member: empty for JSON null, a null pointer when the member is absent or no
 /// string. Owned by `object`.
 const char* stringMember(const json_t* object, const char* key);

@@ -81,7 +81,7 @@ const char* getTrimmedString(const char* key, json_t* object) {
         return text;
     }
     const std::string cut = std::string(arkeon::cutText(text, longestColumnText)) + "~";
-    json_string_set(json_object_get(object, key), cut.c_str());
+    checkJson(json_string_set(json_object_get(object, key), cut.c_str()) == 0);
     return stringMember(object, key);
 }
 
