@@ -1,9 +1,11 @@
 #include "https/ClientLibraries.h"
 
+#include "arkeon/memory_shortage.h"
 #include "https/SharedLibrary.h"
 #include "log/Report.h"
 
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <string>
 #include <system_error>
@@ -29,7 +31,7 @@ std::string ownLibcurl() {
 
 bool findFunctions() {
     SharedLibrary curl(ownLibcurl(), "libcurl.so.4");
-    AKHOSTMGMT_FIND(curl, curl_global_init);
+    AKHOSTMGMT_FIND(curl, curl_global_init_mem);
     AKHOSTMGMT_FIND(curl, curl_easy_init);
     AKHOSTMGMT_FIND(curl, curl_easy_reset);
     AKHOSTMGMT_FIND(curl, curl_easy_cleanup);
@@ -45,6 +47,7 @@ bool findFunctions() {
     AKHOSTMGMT_FIND(curl, curl_slist_free_all);
 
     SharedLibrary crypto("libcrypto.so.3");
+    AKHOSTMGMT_FIND(crypto, CRYPTO_set_mem_functions);
     AKHOSTMGMT_FIND(crypto, OPENSSL_init_crypto);
     AKHOSTMGMT_FIND(crypto, CRYPTO_get_ex_new_index);
 
@@ -56,14 +59,62 @@ bool findFunctions() {
     return curl.complete() && crypto.complete() && ssl.complete();
 }
 
+/// What an allocation gave for a size; ends the process when that is nothing.
+void* checked(void* memory, std::size_t size) {
+    if (memory == nullptr && size != 0) {
+        endWithoutMemory();
+    }
+    return memory;
+}
+
+// The functions that libcurl takes its memory with.
+
+void* allocate(std::size_t size) {
+    return checked(std::malloc(size), size);
+}
+
+void* allocateZeroed(std::size_t count, std::size_t size) {
+    return checked(std::calloc(count, size), size);
+}
+
+void* reallocate(void* memory, std::size_t size) {
+    return checked(std::realloc(memory, size), size);
+}
+
+char* duplicate(const char* text) {
+    return static_cast<char*>(checked(strdup(text), 1));
+}
+
+// Those of OpenSSL, to which it tells who asks.
+
+void* allocateFor(std::size_t size, const char* /*file*/, int /*line*/) {
+    return allocate(size);
+}
+
+void* reallocateFor(void* memory, std::size_t size, const char* /*file*/, int /*line*/) {
+    return reallocate(memory, size);
+}
+
+void releaseFor(void* memory, const char* /*file*/, int /*line*/) {
+    std::free(memory);
+}
+
+/// OpenSSL refuses in a process that has used it before; it keeps its own functions then.
+void takeMemoryFunctions() {
+    functions.CRYPTO_set_mem_functions(allocateFor, reallocateFor, releaseFor);
+}
+
 /// The environment decides nothing about TLS: libcurl would write the session keys to the file that
 /// SSLKEYLOGFILE names, and OpenSSL would read the configuration that OPENSSL_CONF names. OpenSSL
 /// need not clear its tables when the process ends, which takes the memory anyway.
 bool makeReady() {
     unsetenv("SSLKEYLOGFILE");
     constexpr auto settings = OPENSSL_INIT_NO_LOAD_CONFIG | OPENSSL_INIT_NO_ATEXIT;
+    takeMemoryFunctions();
     const bool ready = functions.OPENSSL_init_crypto(settings, nullptr) == 1 &&
-                       functions.curl_global_init(CURL_GLOBAL_ALL) == CURLE_OK;
+                       functions.curl_global_init_mem(
+                           CURL_GLOBAL_ALL, allocate, std::free, reallocate, duplicate,
+                           allocateZeroed) == CURLE_OK;
     if (!ready) {
         report({"libcurl and OpenSSL cannot be made ready"});
     }

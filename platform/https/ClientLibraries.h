@@ -12,8 +12,11 @@ namespace arkeon {
 /// of libcurl is beside the program (../lib/akhostmgmt) and nobody but the superuser and the
 /// process's own user can change it, it is taken in place of the system's, which brings along some
 /// thirty libraries that no request of the tool uses.
+///
+/// Neither library can be trusted to stand a lack of memory: where there is none for them, the
+/// process ends with the status line of that, before they see it.
 struct ClientLibraries {
-    decltype(&::curl_global_init) curl_global_init = nullptr;
+    decltype(&::curl_global_init_mem) curl_global_init_mem = nullptr;
     decltype(&::curl_easy_init) curl_easy_init = nullptr;
     decltype(&::curl_easy_reset) curl_easy_reset = nullptr;
     decltype(&::curl_easy_cleanup) curl_easy_cleanup = nullptr;
@@ -28,6 +31,7 @@ struct ClientLibraries {
     decltype(&::curl_slist_append) curl_slist_append = nullptr;
     decltype(&::curl_slist_free_all) curl_slist_free_all = nullptr;
 
+    decltype(&::CRYPTO_set_mem_functions) CRYPTO_set_mem_functions = nullptr;
     decltype(&::OPENSSL_init_crypto) OPENSSL_init_crypto = nullptr;
     decltype(&::CRYPTO_get_ex_new_index) CRYPTO_get_ex_new_index = nullptr;
     decltype(&::SSL_get_SSL_CTX) SSL_get_SSL_CTX = nullptr;
