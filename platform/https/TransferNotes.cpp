@@ -134,7 +134,10 @@ curl_socket_t onSocket(void* context, curlsocktype /*purpose*/, curl_sockaddr* a
     if (refuseResend(notesOf(context))) {
         return CURL_SOCKET_BAD;
     }
-    return socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+    // libcurl makes the socket non-blocking as well, but does not look whether that succeeds; a
+    // transfer on a blocking socket has no time-outs.
+    return socket(
+        address->family, address->socktype | SOCK_CLOEXEC | SOCK_NONBLOCK, address->protocol);
 }
 
 int onRequest(void* context, char* /*peer*/, char* /*local*/, int /*peerPort*/, int /*localPort*/) {
