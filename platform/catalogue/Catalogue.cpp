@@ -22,7 +22,7 @@ void setCategory(int category, char* name, std::size_t size) {
     if (chosen == nullptr) {
         chosen = std::setlocale(category, "C");
     }
-    boundedCopy(name, size, chosen);
+    boundedCopy(name, size, chosen == nullptr ? "C" : chosen);
 }
 
 void bindCatalogue() {
@@ -32,7 +32,8 @@ void bindCatalogue() {
 
 /// gettext looks up in the process's locale: makes that one the caller's.
 void useLanguage(const zvlocale& locale) {
-    if (std::strcmp(std::setlocale(LC_MESSAGES, nullptr), locale.messages) != 0) {
+    const char* current = std::setlocale(LC_MESSAGES, nullptr);
+    if (current == nullptr || std::strcmp(current, locale.messages) != 0) {
         std::setlocale(LC_MESSAGES, locale.messages);
     }
 }

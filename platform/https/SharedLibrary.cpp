@@ -10,10 +10,15 @@
 namespace arkeon {
 namespace {
 
+void reportLoaderError() {
+    const char* reason = dlerror();
+    report({reason == nullptr ? "the loader gives no reason" : reason});
+}
+
 void* load(const char* name) {
     void* handle = dlopen(name, RTLD_LAZY | RTLD_LOCAL);
     if (handle == nullptr) {
-        report({dlerror()});
+        reportLoaderError();
     }
     return handle;
 }
@@ -56,7 +61,7 @@ SharedLibrary::SharedLibrary(const std::string& path, const char* name)
 void* SharedLibrary::find(const char* name) {
     void* address = handle_ == nullptr ? nullptr : dlsym(handle_, name);
     if (handle_ != nullptr && address == nullptr) {
-        report({dlerror()});
+        reportLoaderError();
         complete_ = false;
     }
     return address;

@@ -1,20 +1,31 @@
 #include "arkeon/text.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 #include <string>
 
 namespace arkeon {
 namespace {
+
+/// The length that printf returned; 0 for a text that cannot be formatted. Its other failures are a
+/// lack of memory, in which an empty text could be taken for the right one.
+std::size_t checkedLength(int length) {
+    if (length < 0 && errno != EILSEQ) {
+        throw std::bad_alloc();
+    }
+    return length < 0 ? 0 : static_cast<std::size_t>(length);
+}
 
 /// Formats once more with room for the letter that the end of the buffer would split: only then can
 /// a letter that is cut be told from bytes that are none.
 std::size_t formatCut(char* buffer, std::size_t size, const char* format, std::va_list arguments) {
     constexpr std::size_t longestLetter = 4;
     std::string text(size + longestLetter, '\0');
-    const int length = std::vsnprintf(text.data(), text.size(), format, arguments);
-    const std::size_t complete = length < 0 ? 0 : static_cast<std::size_t>(length);
+    const std::size_t complete =
+        checkedLength(std::vsnprintf(text.data(), text.size(), format, arguments));
     text.resize(complete < text.size() ? complete : text.size() - 1);
     return boundedCopy(buffer, size, text);
 }
@@ -56,13 +67,11 @@ boundedFormatV(char* buffer, std::size_t size, const char* format, std::va_list 
     }
     std::va_list again;
     va_copy(again, arguments);
-    const int needed = std::vsnprintf(buffer, size, format, arguments);
-    std::size_t length = 0;
-    if (needed < 0) {
-        buffer[0] = '\0';
-    } else if (static_cast<std::size_t>(needed) < size) {
-        length = static_cast<std::size_t>(needed);
-    } else {
+    // An exception leaves va_end out, which does nothing where this runs.
+    const int printed = std::vsnprintf(buffer, size, format, arguments);
+    buffer[0] = printed < 0 ? '\0' : buffer[0];
+    std::size_t length = checkedLength(printed);
+    if (length >= size) {
         length = formatCut(buffer, size, format, again);
     }
     va_end(again);

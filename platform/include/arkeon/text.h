@@ -18,6 +18,7 @@ std::size_t boundedAppend(char* buffer, std::size_t size, std::string_view text)
 
 /// printf into a bounded buffer, cut as above.
 /// @return the length of the text in `buffer`
+/// @throws std::bad_alloc when printf fails for want of memory
 std::size_t boundedFormat(char* buffer, std::size_t size, const char* format, ...)
     __attribute__((format(printf, 3, 4)));
 std::size_t
