@@ -6,7 +6,7 @@ packages=(
   libcurl4-openssl-dev libssl-dev zlib1g-dev libbrotli-dev libzstd-dev
   libjansson-dev libace-dev libtomlplusplus-dev
   libsqlite3-dev libcpp-httplib-dev
-  libgtest-dev libgmock-dev gettext python3 tzdata jq
+  libgtest-dev libgmock-dev gettext python3 tzdata jq strace
 )
 
 # What the checks of the continuous integration stand on besides.
