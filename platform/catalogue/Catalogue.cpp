@@ -41,8 +41,9 @@ void useLanguage(const zvlocale& locale) {
 /// Whether gettext may look into the catalogues; in the C locale it does not, whatever they hold.
 bool mayLookUp(const zvlocale& locale) {
     const std::string_view language = locale.messages;
-    return language != "C" && language != "POSIX" &&
-           cataloguesAreSound(bindtextdomain(domain, nullptr), domain);
+    const char* directory = bindtextdomain(domain, nullptr);
+    return language != "C" && language != "POSIX" && directory != nullptr &&
+           cataloguesAreSound(directory, domain);
 }
 
 }  // namespace
