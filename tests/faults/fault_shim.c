@@ -22,6 +22,7 @@
 
 #define _GNU_SOURCE
 #include <curl/curl.h>
+#include <dirent.h>
 #include <dlfcn.h>
 #include <errno.h>
 #include <fcntl.h>
@@ -36,6 +37,7 @@
 #include <stdlib.h>
 #include <string.h>
 #include <sys/mman.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -311,6 +313,11 @@ FAILING(
     int, getpwuid_r,
     (uid_t user, struct passwd* entry, char* buffer, size_t size, struct passwd** found),
     (user, entry, buffer, size, found), (*found = NULL, EIO))
+FAILING(int, closedir, (DIR * folder), (folder), (errno = EIO, -1))
+FAILING(DIR*, fdopendir, (int file), (file), (errno = ENOMEM, NULL))
+FAILING(int, ftruncate, (int file, off_t size), (file, size), (errno = EIO, -1))
+FAILING(off_t, lseek, (int file, off_t place, int from), (file, place, from), (errno = ESPIPE, -1))
+FAILING(struct dirent*, readdir, (DIR * folder), (folder), (errno = EIO, NULL))
 FAILING(int, isatty, (int file), (file), (errno = EIO, 0))
 FAILING(int, lstat, (const char* path, struct stat* facts), (path, facts), (errno = EACCES, -1))
 FAILING(
@@ -394,6 +401,35 @@ int open(const char* path, int flags, ...) {
         return -1;
     }
     return ((int (*)(const char*, int, ...))real(&function, "open"))(path, flags, mode);
+}
+
+int openat(int folder, const char* path, int flags, ...) {
+    static struct call call = {"openat", 0, NULL};
+    static void* function;
+    va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
+    va_end(arguments);
+    if (fails(&call)) {
+        errno = EMFILE;
+        return -1;
+    }
+    return ((int (*)(int, const char*, int, ...))real(&function, "openat"))(
+        folder, path, flags, mode);
+}
+
+int prctl(int option, ...) {
+    static struct call call = {"prctl", 0, NULL};
+    static void* function;
+    va_list arguments;
+    va_start(arguments, option);
+    const unsigned long argument = va_arg(arguments, unsigned long);
+    va_end(arguments);
+    if (fails(&call)) {
+        errno = EINVAL;
+        return -1;
+    }
+    return ((int (*)(int, ...))real(&function, "prctl"))(option, argument, 0UL, 0UL, 0UL);
 }
 
 int __open_2(const char* path, int flags);
