@@ -59,7 +59,7 @@ def called(tool):
 
 def made_to_fail(shim):
     """Every function that the preloaded library stands in for."""
-    source = (pathlib.Path(__file__).parent / "fault_shim.c").read_text()
+    source = (pathlib.Path(__file__).parent / "failing_libraries.c").read_text()
     return symbols(shim, "--defined-only") | set(re.findall(r"ENTRY\((\w+)\)", source))
 
 
