@@ -92,7 +92,7 @@ std::string CParameterscmd::usageString() const {
         std::string option = "-" + row.name;
         option += row.alias.empty() ? "" : "|-" + row.alias;
         option += std::string(" ") + usageStringFor(row.type) + usageStringFor(row);
-        if (column > 0) {
+        if (!text.empty()) {
             const bool fits = column + 1 + option.size() <= usageColumns;
             text += fits ? " " : "\n";
             column = fits ? column + 1 : 0;

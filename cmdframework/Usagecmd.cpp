@@ -66,12 +66,8 @@ CUsagecmd::CUsagecmd(usageExceptions code, const char** list)
 
 CUsagecmd::CUsagecmd(usageExceptions code, const char* detail, unsigned long limit)
     : CUsagecmd(code, detail) {
-    std::array<char, 1024> label{};
-    getMessage(
-        label.data(), label.size(), largestValue.id, largestValue.text, nullptr, nullptr, nullptr);
-    std::array<char, 1024> line{};
-    arkeon::boundedFormat(line.data(), line.size(), "\n%s%lu\n", label.data(), limit - 1);
-    arkeon::boundedAppend(text_.data(), text_.size(), line.data());
+    const std::string line = "\n" + messageText(largestValue) + std::to_string(limit - 1) + "\n";
+    arkeon::boundedAppend(text_.data(), text_.size(), line);
 }
 
 void CUsagecmd::SetUsagemessage(const char* text) {

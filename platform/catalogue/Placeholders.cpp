@@ -27,7 +27,7 @@ private:
     std::size_t takePosition();
     bool skipNumber();
     bool skipWidthAndPrecision();
-    bool takeType(std::string& type);
+    bool readType(std::string& type) const;
     bool place(std::size_t position, std::string type);
     void skipAny(std::string_view letters);
 
@@ -58,7 +58,7 @@ bool FormatParser::parseConversion() {
     const std::size_t position = takePosition();
     std::string type;
     skipAny("-+ #0'");
-    return skipWidthAndPrecision() && takeType(type) && place(position, std::move(type));
+    return skipWidthAndPrecision() && readType(type) && place(position, std::move(type));
 }
 
 /// The position of `2$`; 0 when there is none.
@@ -94,7 +94,8 @@ bool FormatParser::skipWidthAndPrecision() {
     return skipNumber();
 }
 
-bool FormatParser::takeType(std::string& type) {
+/// What is read stays in front of the rest: it has no `%`.
+bool FormatParser::readType(std::string& type) const {
     const std::size_t end = text_.find_first_not_of("hlqLjzt");
     if (end == std::string_view::npos) {
         return false;
@@ -102,7 +103,6 @@ bool FormatParser::takeType(std::string& type) {
     const char conversion = text_[end];
     type = text_.substr(0, end);
     type += conversion == 'i' ? 'd' : conversion;
-    text_.remove_prefix(end + 1);
     return std::string_view("diouxXeEfFgGaAcsp").find(conversion) != std::string_view::npos;
 }
 

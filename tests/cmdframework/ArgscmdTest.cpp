@@ -1,6 +1,8 @@
 #include "cmdframework/Argscmd.h"
 
 #include "support/CommandLine.h"
+#include "support/Environment.h"
+#include "support/TempDir.h"
 #include "support/Throws.h"
 
 #include <gtest/gtest.h>
@@ -89,6 +91,11 @@ TEST(Argscmd, NamesAreFoundInAnyLetterCaseAndKeptAsTypedFirst) {
     EXPECT_EQ(args.options().begin()->first, "SerVer");
 }
 
+TEST(Argscmd, NamesAreComparedInOneWayWhateverTheLanguage) {
+    const support::ScopedVariable language("LC_ALL", "no_SUCH");
+    EXPECT_TRUE(parsed({"-LIST"}).exists("list"));
+}
+
 TEST(Argscmd, ALoneDashIsAnOptionWithAnEmptyName) {
     EXPECT_TRUE(CArgscmd::isOptionArgument("-"));
     EXPECT_TRUE(parsed({"-"}).exists(""));
@@ -171,6 +178,8 @@ TEST(Argscmd, PathExists) {
     const CArgscmd args;
     EXPECT_NO_THROW(args.pathExists(nullptr));
     EXPECT_NO_THROW(args.pathExists("/"));
+    const support::TempDir folder;
+    EXPECT_NO_THROW(args.pathExists(folder.write("plain", "", 0600).c_str()));
     EXPECT_EQ(
         runTimeFailureOf([&args] { args.pathExists("/no/such/file"); }).substr(0, 30),
         "The file could not be opened.\n");

@@ -158,6 +158,20 @@ TEST(Basecmd, OnlyStringsHaveAllowedValues) {
     EXPECT_NO_THROW(command.valueInSet(none, "n")) << "a count of 0 allows everything";
 }
 
+TEST(Basecmd, WithoutAnyAllowedValueEverythingIsAllowed) {
+    const Command command({"-list", "-n", "3"});
+    const PARAMETERS noTable{5, "count", "n", 0, parameterTypes::string, nullptr, 2};
+    EXPECT_NO_THROW(command.valueInSet(noTable, "n"));
+    const PARAMETERS onlyRed{5, "count", "n", 0, parameterTypes::string, colours, 1};
+    EXPECT_THROW(command.valueInSet(onlyRed, "n"), CUsagecmd);
+}
+
+TEST(Basecmd, ACommandWithoutOptionsAcceptsNotEvenALoneDash) {
+    Command command(parsed({"-list", "-"}));
+    EXPECT_EQ(
+        usageFailureOf([&command] { command.checkArguments(); }), "An invalid option was used.\n");
+}
+
 TEST(Basecmd, AReturnStatusThatIsNotZeroIsThrown) {
     Command command({"-list"});
     EXPECT_NO_THROW(command.checkReturnStatus());

@@ -3,6 +3,8 @@
 #include "support/Throws.h"
 
 #include <gtest/gtest.h>
+#include <sstream>
+#include <string>
 #include <vector>
 
 namespace {
@@ -94,6 +96,12 @@ TEST(Parameterscmd, AllowedValuesAreListedForOptionsThatTakeAValue) {
     EXPECT_EQ(params.usageStringFor(table[1]), " [ yes | no ]");
     EXPECT_EQ(params.usageStringFor(table[0]), "");
     EXPECT_EQ(params.usageStringFor(table[3]), "") << "a flag takes no value";
+    const PARAMETERS only{5, "fifth", "", 0, parameterTypes::string, yesNo, 1};
+    EXPECT_EQ(params.usageStringFor(only), " [ yes ]");
+    const PARAMETERS noCount{5, "fifth", "", 0, parameterTypes::string, yesNo, 0};
+    EXPECT_EQ(params.usageStringFor(noCount), "");
+    const PARAMETERS noValues{5, "fifth", "", 0, parameterTypes::string, nullptr, 2};
+    EXPECT_EQ(params.usageStringFor(noValues), "");
 }
 
 TEST(Parameterscmd, UsageStringBreaksBeforeColumn80) {
@@ -113,6 +121,31 @@ TEST(Parameterscmd, UsageStringFillsALineTo79Columns) {
     EXPECT_EQ(text.find('\n'), 79U);
     EXPECT_EQ(text.substr(80), "-c none");
     EXPECT_EQ(CParameterscmd().usageString(), "");
+}
+
+/// The lengths of the lines of a usage whose options have these lengths.
+std::vector<std::size_t> linesOf(const std::vector<std::size_t>& lengths) {
+    CParameterscmd params;
+    for (const std::size_t length : lengths) {
+        const std::string name(length - std::string("- none").size(), 'a');
+        const PARAMETERS row{
+            static_cast<std::uint32_t>(params.size()), name, "", 0, parameterTypes::none};
+        params.addParameters(&row, 1);
+    }
+    std::istringstream text(params.usageString());
+    std::vector<std::size_t> lines;
+    for (std::string line; std::getline(text, line);) {
+        lines.push_back(line.size());
+    }
+    return lines;
+}
+
+TEST(Parameterscmd, EveryLineOfTheUsageIsFilledAnew) {
+    using Lengths = std::vector<std::size_t>;
+    EXPECT_EQ(linesOf({56, 23, 55}), (Lengths{56, 79})) << "80 do not fit, 79 do";
+    EXPECT_EQ(linesOf({26, 26, 25}), (Lengths{79}));
+    EXPECT_EQ(linesOf({26, 26, 26}), (Lengths{53, 26}));
+    EXPECT_EQ(linesOf({79, 79, 7, 71, 7}), (Lengths{79, 79, 79, 7}));
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 namespace {
 
@@ -34,6 +35,15 @@ TEST(ArgumentCopy, ADuplicationThatFailsLeavesNothingBehind) {
         CommandLine line(words);
         EXPECT_EQ(copyArguments(line.argc(), line.argv(), failFor), nullptr);
     }
+}
+
+// Where the sanitizers have the memory, mallinfo2 sees none of it, and they look for leaks
+// themselves.
+TEST(ArgumentCopy, ADuplicationThatFailsGivesAllMemoryBack) {
+    CommandLine line({std::string(3000, 'p'), std::string(3000, 'a'), "fail"});
+    const std::size_t before = mallinfo2().uordblks;
+    copyArguments(line.argc(), line.argv(), failFor);
+    EXPECT_EQ(mallinfo2().uordblks, before);
 }
 
 TEST(ArgumentCopy, NoArgumentsAtAll) {

@@ -144,6 +144,14 @@ TEST(AddHostRequest, ThatFailsAnnouncesNothing) {
     const Change run = change<AkHostMgmtAddHost>({"-ah", "-n", "h"}, {FakeReply{0, 204, ""}});
     EXPECT_EQ(run.result, 7610);
     EXPECT_EQ(run.out, warning + question);
+    EXPECT_TRUE(logged(run, "Http return code : 204, Response string : "));
+}
+
+TEST(AddHostRequest, WithoutAReplyHasTheStatus0) {
+    const StandardInput input("y\n");
+    const Change run = change<AkHostMgmtAddHost>({"-ah", "-n", "h"}, {FakeReply{7621, 0, ""}});
+    EXPECT_EQ(run.result, 7621);
+    EXPECT_TRUE(logged(run, "Http return code : 0, Response string : "));
 }
 
 TEST(AddHostResult, OfAnyOtherStatusIsAnEmptyLine) {

@@ -145,6 +145,14 @@ TEST(CommentRequest, ThatFailsAnnouncesNothing) {
     EXPECT_EQ(refused.out, "");
 }
 
+TEST(CommentResult, IsWrittenAtOnce) {
+    LogLines lines;
+    AkHostMgmtComment operation(parsed({"-dc", "-i", "ID"}), lines.log);
+    testing::internal::CaptureStdout();
+    operation.printMessageString(200);
+    EXPECT_NE(testing::internal::GetCapturedStdout(), "");
+}
+
 TEST(CommentResult, OfAnyOtherStatusIsAnEmptyLine) {
     for (const int status : {201, 204}) {
         LogLines lines;

@@ -174,6 +174,15 @@ TEST(ListQuery, EveryFilterHasItsResource) {
     }
 }
 
+// The rules refuse both; a query that is made without them goes by the name.
+TEST(ListQuery, ANameComesBeforeAHostId) {
+    support::FakeClient client({{0, 200, R"({"hosts":[]})"}});
+    LogLines lines;
+    AkHostMgmtList operation(parsed({"-list", "-i", "x", "-n", "h", "-s", "p"}), lines.log);
+    printedBy([&operation] { operation.execute(); });
+    EXPECT_EQ(client.requests.at(0).uri, "arkeon/config/hosts/hostmappings?mappedhostname=h");
+}
+
 TEST(ListQuery, TheOwnMappingsAreAskedForWithTheHostCertificate) {
     const support::TempDir root;
     root.write(

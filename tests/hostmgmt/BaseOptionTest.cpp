@@ -1,6 +1,7 @@
 #include "support/Streams.h"
 #include "support/TestOperation.h"
 
+#include <cstdlib>
 #include <gtest/gtest.h>
 
 namespace {
@@ -18,6 +19,14 @@ TEST(BaseOption, MembersAreSetAndReplaced) {
     EXPECT_EQ(test.operation.getJSONpayload(), R"({"hostName":"one","isShared":true})");
     EXPECT_EQ(test.operation.setJSONObject("hostName", "tw\"o\n"), 0);
     EXPECT_EQ(test.operation.getJSONpayload(), R"({"hostName":"tw\"o\n","isShared":true})");
+}
+
+TEST(BaseOption, WithoutMemoryThePayloadIsEmpty) {
+    TestOperation test;
+    json_set_alloc_funcs([](std::size_t) -> void* { return nullptr; }, std::free);
+    const std::string payload = test.operation.getJSONpayload();
+    json_set_alloc_funcs(std::malloc, std::free);
+    EXPECT_EQ(payload, "");
 }
 
 TEST(BaseOption, LoadJSONReplacesThePayload) {

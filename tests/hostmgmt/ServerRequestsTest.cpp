@@ -268,12 +268,17 @@ TEST(ServerRequests, AReasonThatCannotBeEncodedSendsNothing) {
 }
 
 TEST(ServerRequests, AnUnknownMethodIsRefused) {
-    FakeClient client;
-    TestOperation test;
-    const Outcome outcome = send(test, static_cast<CurlRequestType>(9));
-    EXPECT_EQ(outcome.result, 20);
-    EXPECT_EQ(outcome.printed.err, "Unknown Request Type 9\n" + lineOf(20));
-    EXPECT_TRUE(TestOperation::logged("16 Unknown Request Type"));
+    for (const int method : {-1, CURL_POST + 1, 9}) {
+        FakeClient client;
+        TestOperation test;
+        const Outcome outcome = send(test, static_cast<CurlRequestType>(method));
+        EXPECT_EQ(outcome.result, 20);
+        EXPECT_EQ(
+            outcome.printed.err,
+            "Unknown Request Type " + std::to_string(method) + "\n" + lineOf(20));
+        EXPECT_TRUE(TestOperation::logged("16 Unknown Request Type"));
+        EXPECT_TRUE(client.requests.empty());
+    }
 }
 
 TEST(ServerRequests, AnEmptyServerNameIsNoServer) {

@@ -74,7 +74,9 @@ std::decay_t<Type> other(const Type& value) {
 
 /// The same for a text of the catalogue.
 template <typename Type>
-    requires requires(Type value) { value.id, value.text; }
+requires requires(Type value) {
+    value.id, value.text;
+}
 const Type& other(const Type& /*value*/) {
     static const Type changed{"Mutant", ""};
     return changed;
@@ -82,7 +84,9 @@ const Type& other(const Type& /*value*/) {
 
 /// The same for an option's names.
 template <typename Type>
-    requires requires(Type value) { value.name, value.alias; }
+requires requires(Type value) {
+    value.name, value.alias;
+}
 const Type& other(const Type& /*value*/) {
     static const Type changed{"mutant", "mutant"};
     return changed;

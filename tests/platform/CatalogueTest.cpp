@@ -21,7 +21,7 @@ using support::TempDir;
 namespace {
 
 TEST(Placeholders, TranslationsThatFit) {
-    for (const auto& [original, translation] : std::array<std::pair<const char*, const char*>, 14>{
+    for (const auto& [original, translation] : std::array<std::pair<const char*, const char*>, 18>{
              {{"text", "Text"},
               {"100%%", "%%100"},
               {"%s", "<%s>"},
@@ -35,13 +35,17 @@ TEST(Placeholders, TranslationsThatFit) {
               {"%lu", "%lu"},
               {"%ld%%", "%% %ld"},
               {"%c%p%zu%x", "%c%p%zu%x"},
+              {"%d", "%999d"},
+              {"%s", "%.999s"},
+              {"%d$", "%d$"},
+              {"%s$", "<%s$>"},
               {"%s%s%s%s%s%s%s%s%s", "%9$s%8$s%7$s%6$s%5$s%4$s%3$s%2$s%1$s"}}}) {
         EXPECT_TRUE(placeholdersFit(original, translation)) << original << " | " << translation;
     }
 }
 
 TEST(Placeholders, TranslationsThatDoNotFit) {
-    for (const auto& [original, translation] : std::array<std::pair<const char*, const char*>, 29>{
+    for (const auto& [original, translation] : std::array<std::pair<const char*, const char*>, 38>{
              {{"text", "%s"},
               {"%s", "text"},
               {"%s", "%s %s"},
@@ -70,6 +74,16 @@ TEST(Placeholders, TranslationsThatDoNotFit) {
               {"%s", "%l"},
               {"%s", "%y"},
               {"%m", "%m"},
+              {"%ld", "%hd"},
+              {"%d", "%1000d"},
+              // What is no format does not fit itself either.
+              {"%l", "%l"},
+              {"%", "%"},
+              {"%1000d", "%1000d"},
+              {"%.1000s", "%.1000s"},
+              {"%1$s %s", "%1$s %s"},
+              {"%s %2$s", "%s %2$s"},
+              {"%1$s %1$s", "%1$s %1$s"},
               {"%s%s%s%s%s%s%s%s%s%s", "%s%s%s%s%s%s%s%s%s%s"}}}) {
         EXPECT_FALSE(placeholdersFit(original, translation)) << original << " | " << translation;
     }

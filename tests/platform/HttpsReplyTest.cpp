@@ -95,6 +95,8 @@ INSTANTIATE_TEST_SUITE_P(
             "NoLengthButOrderlyEnd", "HTTP/1.1 200 OK\r\n\r\nabc", Ending::closeNotify, 0, 200,
             "abc"},
         ReplyCase{"NoContentAndDrop", "HTTP/1.1 204 No Content\r\n\r\n", Ending::drop, 0, 204, ""},
+        ReplyCase{
+            "NotModifiedAndDrop", "HTTP/1.1 304 Not Modified\r\n\r\n", Ending::drop, 0, 304, ""},
         ReplyCase{"LengthAndDrop", plainReply("{}"), Ending::drop, 0, 200, "{}"},
         ReplyCase{
             "RedirectIsNotFollowed",

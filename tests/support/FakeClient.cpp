@@ -121,9 +121,10 @@ std::string AKClientCURL::takeBody() {
 }
 
 LoginWithUserTokenManager::LoginWithUserTokenManager(
-    int port, const std::string& /*user*/, const std::string& /*password*/,
-    const std::string& /*domain*/, const std::string& /*domainType*/, int certType)
+    int port, const std::string& user, const std::string& password, const std::string& domain,
+    const std::string& domainType, int certType)
     : port_(port) {
+    EXPECT_EQ(user + password + domain + domainType, "");
     EXPECT_EQ(port, 1556);
     EXPECT_EQ(certType, 1) << "also on the active node of a cluster";
 }
