@@ -195,6 +195,8 @@ TEST(OwnMappings, StandAloneWithoutHeaderOrHost) {
     EXPECT_EQ(
         listed({"-apvmappings"}, host), tableHeader + row("P", "Yes") + row("b", "Yes") + "\n");
     EXPECT_EQ(listed({"-apvmappings", "-short"}, host), "P, b\n");
+    const std::string unnamed = hostWith(mapping("\"a\"") + "," + mapping("\"\""));
+    EXPECT_EQ(listed({"-apvmappings", "-short"}, unnamed), ", a\n") << "no name comes first";
 }
 
 TEST(ShortFormat, ThePrimaryNameComesFirstWhereItIsMapped) {
@@ -218,6 +220,11 @@ TEST(ShortFormat, NamesAreNotCutAndComparedByteForByte) {
 TEST(ShortFormat, ANullPrimaryNameIsTheEmptyOne) {
     EXPECT_EQ(names(mapping("\"a\"") + "," + mapping("null"), "null"), ", a\n");
     EXPECT_EQ(names(mapping("\"a\"") + "," + mapping("null")), "a, \n");
+}
+
+TEST(ShortFormat, NamesThatAreNoTextAreEmpty) {
+    EXPECT_EQ(names(mapping("\"a\"") + "," + mapping("\"\""), "5"), ", a\n");
+    EXPECT_EQ(names("{}," + mapping("\"a\"") + "," + mapping("5")), ", a, \n");
 }
 
 TEST(ShortFormat, OneHeaderForAllHosts) {
