@@ -20,7 +20,7 @@ import trials
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 # A mutant that so many whole runs do not find counts as found by none.
-MOST_CASES = 30
+MOST_CASES = 100
 ACCEPTED = pathlib.Path(__file__).resolve().parent / "survivors.toml"
 
 
@@ -96,24 +96,35 @@ class Trials:
                 return test
         return None
 
-    def _in_order(self, mutant):
-        """The tests that come by a mutant: units before whole runs, the likeliest first."""
-        named = re.compile(rf"{pathlib.Path(mutant.path).stem}(Test)?\b")
+    def reached(self, mutant):
+        """The tests that come by a mutant."""
         in_table = mutant.number in self._in_tables
-        reaching = self._reaching[mutant.path if in_table else mutant.number]
+        return self._reaching[mutant.path if in_table else mutant.number]
+
+    def _in_order(self, mutant):
+        """The same to be tried in this order: units before whole runs, the likeliest first."""
+        named = re.compile(rf"{pathlib.Path(mutant.path).stem}(Test)?\b")
+        reaching = self.reached(mutant)
         units = [each for each in reaching if isinstance(each, trials.UnitTest)]
         units.sort(key=lambda test: (not named.match(test.name), self._cost[test]))
-        cases = sorted(reaching.difference(units), key=self._cost.get)
-        return units + cases[:MOST_CASES]
+        # Of every file some: cases of one file resemble each other.
+        ranks = collections.Counter()
+        cases = []
+        for case in sorted(reaching.difference(units), key=self._cost.get):
+            ranks[case.file] += 1
+            cases.append((ranks[case.file], self._cost[case], case))
+        cases.sort(key=lambda row: row[:2])
+        return units + [case for _, _, case in cases[:MOST_CASES]]
 
 
 def run(options, build, mutants):
     """The test that finds each mutant, or None."""
     linked = [build.link(name) for name in groups.UNIT_TESTS]
     tests = [test for program in linked for test in trials.unit_tests(program)]
-    tool = build.link(groups.TOOL)
     devserver = options.build / "bin/akdevserver"
-    tests += trials.cases(tool, devserver, groups.CASES, options.jobs, build.folder)
+    for tool, files in groups.CASES.items():
+        certificates = build.folder / pathlib.Path(tool).name
+        tests += trials.cases(build.link(tool), devserver, files, options.jobs, certificates)
     print(f"{len(mutants)} mutants, {len(tests)} tests", flush=True)
     begin = time.monotonic()
     all_trials = Trials(tests, mutants, build.folder, options.jobs)
@@ -123,7 +134,8 @@ def run(options, build, mutants):
         for mutant, killer in zip(mutants, pool.map(all_trials.killer, mutants)):
             found.append((mutant, killer))
             if killer is None:
-                print(f"survived: {mutant.path}:{mutant.line}: {mutant.change}", flush=True)
+                reached = "" if all_trials.reached(mutant) else " (no test comes by it)"
+                print(f"survived: {mutant.path}:{mutant.line}: {mutant.change}{reached}", flush=True)
     return found
 
 

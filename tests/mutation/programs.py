@@ -86,12 +86,12 @@ class Build:
         return self.folder / "archives" / name.replace("/", "-")
 
     def link(self, target):
-        """Links a program of the tests with the mutated archives; its path."""
-        asked = ["ninja", "-C", self.build, "-t", "commands", "-s", f"tests/{target}"]
+        """Links a program of the build with the mutated archives; its path."""
+        asked = ["ninja", "-C", self.build, "-t", "commands", "-s", target]
         shown = subprocess.run(asked, check=True, capture_output=True, text=True).stdout
         command = shown.strip().splitlines()[-1].removeprefix(": && ").split(" && ")[0]
         words = shlex.split(command)
-        program = self.folder / "bin" / target
+        program = self.folder / "bin" / pathlib.Path(target).name
         words[words.index("-o") + 1] = str(program)
         mutated = [self._archive(word) for word in words]
         words = [

@@ -72,6 +72,7 @@ class Case:
 
     def __init__(self, stage, label, case, *rest):
         self.name = label
+        self.file = label.partition(":")[0]
         self._stage = stage
         self._case = case
         self._rest = rest
@@ -94,5 +95,6 @@ def cases(tool, devserver, names, jobs, folder):
     options = types.SimpleNamespace(
         tool=str(tool), devserver=str(devserver), jobs=jobs, define=[], filter="*", case_files=files
     )
+    folder.mkdir()
     stage = run_cases.Stage(options, folder)
     return [Case(stage, *row) for row in run_cases.chosen_cases(options)]

@@ -95,6 +95,10 @@ TEST(BoundedFormat, DoesNotSplitALetter) {
     EXPECT_STREQ(buffer.data(), "abc");
     EXPECT_EQ(boundedFormat(buffer.data(), buffer.size(), "ab%s", "\xe2\x82\xac!"), 5U);
     EXPECT_STREQ(buffer.data(), "ab\xe2\x82\xac");
+    for (const char* text : {"abcd\xf0\x9f\x98\x80", "abcd\xf0\x9f\x98\x80z"}) {
+        EXPECT_EQ(boundedFormat(buffer.data(), buffer.size(), "%s", text), 4U);
+        EXPECT_STREQ(buffer.data(), "abcd");
+    }
 }
 
 TEST(BoundedFormat, BytesThatAreNoLetterAreCutAtTheLimit) {
@@ -109,10 +113,16 @@ TEST(BoundedFormat, SizeZeroWritesNothing) {
     EXPECT_EQ(untouched, 'x');
 }
 
+TEST(BoundedFormat, SizeOneHoldsTheTerminator) {
+    char only = 'x';
+    EXPECT_EQ(boundedFormat(&only, 1, "%s", "abc"), 0U);
+    EXPECT_EQ(only, '\0');
+}
+
 TEST(BoundedFormat, TextThatCannotBeFormattedIsEmpty) {
     std::array<char, 8> buffer{'x'};
     // The C locale has no bytes for this letter (printf: EILSEQ).
-    EXPECT_EQ(boundedFormat(buffer.data(), buffer.size(), "%lc", wint_t{0x20AC}), 0U);
+    EXPECT_EQ(boundedFormat(buffer.data(), buffer.size(), "abc%lc", wint_t{0x20AC}), 0U);
     EXPECT_STREQ(buffer.data(), "");
 }
 
@@ -209,6 +219,7 @@ TEST(SameServer, LetterCaseAndBracketsDoNotCount) {
     EXPECT_TRUE(sameServer("Primary.Example.COM", "primary.example.com"));
     EXPECT_TRUE(sameServer("[::1]", "::1"));
     EXPECT_TRUE(sameServer("FE80::A", "[fe80::a]"));
+    EXPECT_TRUE(sameServer("AZ", "az"));
     EXPECT_TRUE(sameServer("", ""));
 }
 
@@ -216,7 +227,9 @@ TEST(SameServer, OtherDifferencesCount) {
     EXPECT_FALSE(sameServer("a", "b"));
     EXPECT_FALSE(sameServer("a", "ab"));
     EXPECT_FALSE(sameServer("a@", "A`"));
+    EXPECT_FALSE(sameServer("a[", "a{"));
     EXPECT_FALSE(sameServer("[::1", "::1"));
+    EXPECT_FALSE(sameServer("x::1]", "::1"));
     EXPECT_FALSE(sameServer("[", "]"));
 }
 
