@@ -12,7 +12,7 @@ char lowerAscii(char letter) {
 }  // namespace
 
 std::string_view withoutBrackets(std::string_view name) {
-    const bool bracketed = name.size() >= 2 && name.front() == '[' && name.back() == ']';
+    const bool bracketed = name.starts_with('[') && name.ends_with(']');
     return bracketed ? name.substr(1, name.size() - 2) : name;
 }
 

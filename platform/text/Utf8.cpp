@@ -39,7 +39,7 @@ LeadByte describeLead(unsigned lead) {
     if (lead >= 0xF0U && lead <= 0xF4U) {
         return fourByteLead(lead);
     }
-    return {0, 0, 0};
+    return {};
 }
 
 }  // namespace

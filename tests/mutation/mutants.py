@@ -1,5 +1,6 @@
 """Finds what can be changed in a C++ source, by clang's own view of it."""
 
+import collections
 import dataclasses
 import re
 import shlex
@@ -35,7 +36,14 @@ class Mutant:
     original: str
     changed: str | None  # None: the statement is left out
     is_condition: bool = False  # what it changes may be of a type that only stands for true or false
+    code: str = ""  # the line
+    occurrence: int = 1  # which one it is of those with the same change in such a line
     number: int = 0
+
+    @property
+    def key(self):
+        """Names the mutant while lines above it come and go."""
+        return self.path, self.code, self.change, self.occurrence
 
     @property
     def change(self):
@@ -93,6 +101,7 @@ class Finder:
             if not each.kind.is_preprocessing():
                 self._visit(each, None)
         self._keep_nested()
+        self._name()
 
     def _is_here(self, node):
         return node.location.file is not None and node.location.file.name == self._path
@@ -138,6 +147,14 @@ class Finder:
             each for each in kept
             if (key := (each.start, each.end, each.changed)) not in seen and not seen.add(key)
         ]  # fmt: skip
+
+    def _name(self):
+        lines = self._source.decode().split("\n")
+        times = collections.Counter()
+        for each in self.mutants:
+            each.code = lines[each.line - 1].strip()
+            times[each.code, each.change] += 1
+            each.occurrence = times[each.code, each.change]
 
     def _visit(self, node, parent):
         start, end = self._range(node)

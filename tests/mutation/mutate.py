@@ -28,25 +28,13 @@ def arguments():
     parser = argparse.ArgumentParser(prog="scripts/mutate", description=__doc__)
     parser.add_argument("--file", action="append", metavar="F", help="only this source")
     parser.add_argument("--share", type=int, default=1, metavar="N", help="one mutant in N")
-    parser.add_argument("--again", action="store_true", help="only what the last run did not find")
+    parser.add_argument("--again", action="store_true", help="only what no run has found yet")
     parser.add_argument("--list", action="store_true", help="show the mutants, run nothing")
     parser.add_argument("--build", type=pathlib.Path, default=ROOT / "build/release")
     parser.add_argument("--jobs", type=int, default=os.cpu_count())
     options = parser.parse_args()
     options.build = options.build.resolve()
     return options
-
-
-class Keys:
-    """Names a mutant by its code and its change, so that lines above it may come and go."""
-
-    def __init__(self):
-        self._lines = {}
-
-    def __call__(self, mutant):
-        if mutant.path not in self._lines:
-            self._lines[mutant.path] = (ROOT / mutant.path).read_text().splitlines()
-        return mutant.path, self._lines[mutant.path][mutant.line - 1].strip(), mutant.change
 
 
 class Trials:
@@ -139,11 +127,13 @@ def run(options, build, mutants):
     return found
 
 
-def report(found, key, whole):
+def report(found, whole):
     """Shows the figures and what is wrong with them; the number of faults."""
     rows = tomllib.loads(ACCEPTED.read_text()).get("survivor", [])
-    accepted = {(row["file"], row["code"], row["change"]) for row in rows}
-    survivors = {key(mutant) for mutant, killer in found if killer is None}
+    accepted = {
+        (row["file"], row["code"], row["change"], row.get("occurrence", 1)) for row in rows
+    }
+    survivors = {mutant.key for mutant, killer in found if killer is None}
     faults = [f"no test finds {each}" for each in sorted(survivors - accepted)]
     if whole:
         faults += [f"found by a test after all: {each}" for each in sorted(accepted - survivors)]
@@ -158,22 +148,24 @@ def report(found, key, whole):
     return len(faults)
 
 
-def remember(found, key, path):
+def remember(found, path):
     """Notes what was found, for --again."""
     known = json.loads(path.read_text()) if path.exists() else {}
-    known |= {" | ".join(key(mutant)): str(killer) for mutant, killer in found if killer}
+    known |= {str(mutant.key): str(killer) for mutant, killer in found if killer}
     path.write_text(json.dumps(known, indent=1))
 
 
 def main():
     options = arguments()
     sources = options.file or [path for paths in groups.GROUPS.values() for path in paths]
-    key = Keys()
     notes = options.build / "mutants-found.json"
     known = json.loads(notes.read_text()) if options.again and notes.exists() else {}
 
+    earlier = []
+
     def chosen(mutants):
-        return [each for each in mutants if " | ".join(key(each)) not in known]
+        earlier.extend((each, known[str(each.key)]) for each in mutants if str(each.key) in known)
+        return [each for each in mutants if str(each.key) not in known]
 
     trials.fence()
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))  # so that the folder goes
@@ -185,9 +177,9 @@ def main():
                 print(f"{each.path}:{each.line}: {each.change}")
             return 0
         mutants = build.compile_all(sources, chosen, options.jobs)
-        found = run(options, build, mutants[:: options.share])
-    remember(found, key, notes)
-    faults = report(found, key, whole=not (options.file or options.again or options.share > 1))
+        found = earlier + run(options, build, mutants[:: options.share])
+    remember(found, notes)
+    faults = report(found, whole=not options.file and options.share == 1)
     print(f"{time.monotonic() - begin:.0f} s")
     return 1 if faults else 0
 

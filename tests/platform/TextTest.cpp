@@ -140,7 +140,14 @@ TEST(CutText, TextThatFitsStaysWhole) {
     EXPECT_EQ(cutText("", 0), "");
 }
 
+TEST(CutText, AFirstLetterThatDoesNotFitLeavesNothing) {
+    for (std::size_t limit = 0; limit < 3; ++limit) {
+        EXPECT_EQ(cutText("\xe2\x82\xac", limit), "");
+    }
+}
+
 TEST(CutText, TextThatIsNotUtf8IsCutAtTheLimit) {
+    EXPECT_EQ(cutText("\x80\x81\x82\x83\x84", 4), "\x80\x81\x82\x83");
     EXPECT_EQ(cutText("\xe4\xf6\xfc\xe4", 2), "\xe4\xf6");
     EXPECT_EQ(cutText("\x80\x80\x80\x80\x80\x80", 5), "\x80\x80\x80\x80\x80");
     EXPECT_EQ(cutText("ab\xc3", 2), "ab");
@@ -218,6 +225,7 @@ TEST(LocalTime, YearThatDoesNotFitGivesZeroes) {
 TEST(SameServer, LetterCaseAndBracketsDoNotCount) {
     EXPECT_TRUE(sameServer("Primary.Example.COM", "primary.example.com"));
     EXPECT_TRUE(sameServer("[::1]", "::1"));
+    EXPECT_TRUE(sameServer("[]", ""));
     EXPECT_TRUE(sameServer("FE80::A", "[fe80::a]"));
     EXPECT_TRUE(sameServer("AZ", "az"));
     EXPECT_TRUE(sameServer("", ""));
@@ -231,6 +239,8 @@ TEST(SameServer, OtherDifferencesCount) {
     EXPECT_FALSE(sameServer("[::1", "::1"));
     EXPECT_FALSE(sameServer("x::1]", "::1"));
     EXPECT_FALSE(sameServer("[", "]"));
+    EXPECT_FALSE(sameServer("[", ""));
+    EXPECT_FALSE(sameServer("]", ""));
 }
 
 }  // namespace
