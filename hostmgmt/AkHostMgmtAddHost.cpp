@@ -68,16 +68,15 @@ void AkHostMgmtAddHost::checkArguments() {
 }
 
 int AkHostMgmtAddHost::execute() {
-    switch (askForConfirmation()) {
-    case Answer::unshown:
+    const Answer answer = askForConfirmation();
+    if (answer == Answer::unshown) {
         return arkeon::status::outputFailed;
-    case Answer::no:
+    }
+    if (answer == Answer::no) {
         operationLog.logit(messageText(declined), logLevel::ordinary);
         return arkeon::status::success;
-    case Answer::yes:
-        operationLog.logit(messageText(confirmed), logLevel::ordinary);
-        break;
     }
+    operationLog.logit(messageText(confirmed), logLevel::ordinary);
     return addHost();
 }
 

@@ -17,12 +17,10 @@ using std::chrono::year_month_day;
 
 constexpr const char* format = "%b %d, %Y %I:%M:%S %p";
 
-/// What the clock on the wall shows, as if it were UTC; nothing for a year that does not fit.
-std::optional<sys_seconds> wallClock(sys_seconds time) {
+/// What the clock on the wall shows, as if it were UTC; `time` is of a year that fits.
+sys_seconds wallClock(sys_seconds time) {
     std::tm local{};
-    if (!arkeon::localTime(time.time_since_epoch().count(), &local)) {
-        return std::nullopt;
-    }
+    arkeon::localTime(time.time_since_epoch().count(), &local);
     constexpr int yearZero = 1900;
     const std::chrono::year year{local.tm_year + yearZero};
     const std::chrono::month month{static_cast<unsigned>(local.tm_mon) + 1};
@@ -41,11 +39,10 @@ struct DayOffset {
 DayOffset offsetOf(sys_days day) {
     const sys_seconds begin{day};
     const sys_seconds end = begin + days{1} - seconds{1};
-    const auto wallBegin = wallClock(begin);
-    const auto wallEnd = wallClock(end);
+    const seconds ahead = wallClock(begin) - begin;
     DayOffset offset{day, std::nullopt};
-    if (wallBegin && wallEnd && *wallBegin - begin == *wallEnd - end) {
-        offset.ahead = *wallBegin - begin;
+    if (ahead == wallClock(end) - end) {
+        offset.ahead = ahead;
     }
     return offset;
 }

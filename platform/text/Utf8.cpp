@@ -29,17 +29,15 @@ LeadByte fourByteLead(unsigned lead) {
     return {4, lead == 0xF0U ? 0x90U : 0x80U, lead == 0xF4U ? 0x8FU : 0xBFU};
 }
 
+/// A byte that leads no letter asks for more than any text has.
 LeadByte describeLead(unsigned lead) {
-    if (lead >= 0xC2U && lead <= 0xDFU) {
+    if (lead < 0xC2U || lead > 0xF4U) {
+        return {std::string_view::npos, 0, 0};
+    }
+    if (lead <= 0xDFU) {
         return {2, 0x80U, 0xBFU};
     }
-    if (lead >= 0xE0U && lead <= 0xEFU) {
-        return threeByteLead(lead);
-    }
-    if (lead >= 0xF0U && lead <= 0xF4U) {
-        return fourByteLead(lead);
-    }
-    return {};
+    return lead <= 0xEFU ? threeByteLead(lead) : fourByteLead(lead);
 }
 
 }  // namespace
@@ -52,7 +50,7 @@ std::size_t utf8LetterLength(std::string_view text) {
         return 1;
     }
     const LeadByte lead = describeLead(byteAt(text, 0));
-    if (lead.length == 0 || text.size() < lead.length) {
+    if (text.size() < lead.length) {
         return 0;
     }
     if (byteAt(text, 1) < lead.secondLow || byteAt(text, 1) > lead.secondHigh) {
@@ -86,7 +84,7 @@ std::string_view cutText(std::string_view text, std::size_t limit) {
     if (text.size() <= limit) {
         return text;
     }
-    for (std::size_t back = 1; back <= 3 && back <= limit; ++back) {
+    for (std::size_t back = 1; back <= limit; ++back) {
         const std::size_t start = limit - back;
         if (!isContinuation(byteAt(text, start))) {
             const bool split = utf8LetterLength(text.substr(start)) > back;

@@ -180,7 +180,8 @@ def main():
         found = earlier + run(options, build, mutants[:: options.share])
     remember(found, notes)
     faults = report(found, whole=not options.file and options.share == 1)
-    print(f"{time.monotonic() - begin:.0f} s")
+    spent = os.times()
+    print(f"{time.monotonic() - begin:.0f} s, {sum(spent[:4]):.0f} s of processor time")
     return 1 if faults else 0
 
 
