@@ -175,6 +175,21 @@ TEST_P(HttpsIdleEndTest, ConnectionThatEndedBetweenTwoRequestsIsReplaced) {
 INSTANTIATE_TEST_SUITE_P(
     Endings, HttpsIdleEndTest, testing::Values(Ending::drop, Ending::closeNotify));
 
+TEST_F(HttpsTest, ServersThatWantNewKeysBeforeAReplyGetThem) {
+    for (const int version : {TLS1_2_VERSION, TLS1_3_VERSION}) {
+        support::TlsServerSettings settings = goodSettings();
+        settings.highestVersion = version;
+        const support::ScriptedReply reply{plainReply("keys"), Ending::keep, true};
+        TlsScriptServer server(settings, {reply, reply, reply});
+        AKClientCURL client("127.0.0.1", server.port(), 1, AKCurlSessionType::rest, nullptr);
+        for (int i = 0; i < 3; ++i) {
+            EXPECT_EQ(client.Patch("hosts/1", "{}"), 0) << version << log_.text();
+            EXPECT_EQ(client.takeBody(), "keys");
+        }
+        EXPECT_THAT(server.requests(), testing::SizeIs(3));
+    }
+}
+
 TEST_F(HttpsTest, BrokenPipeDoesNotEndTheProcess) {
     const TlsScriptServer server(goodSettings(), {});
     AKClientCURL client("127.0.0.1", server.port(), 1, AKCurlSessionType::rest, nullptr);

@@ -141,6 +141,16 @@ bool writeAll(SSL* tls, const std::string& bytes) {
     return bytes.empty() || SSL_write_ex(tls, bytes.data(), bytes.size(), &written) == 1;
 }
 
+/// Asks the client for new keys, which come with what it sends next.
+void renewKeys(SSL* tls) {
+    if (SSL_version(tls) == TLS1_3_VERSION) {
+        SSL_key_update(tls, SSL_KEY_UPDATE_REQUESTED);
+    } else {
+        SSL_renegotiate(tls);
+    }
+    SSL_do_handshake(tls);
+}
+
 socklen_t fillAddress(const std::string& address, sockaddr_storage& storage) {
     auto* four = reinterpret_cast<sockaddr_in*>(&storage);
     if (inet_pton(AF_INET, address.c_str(), &four->sin_addr) == 1) {
@@ -243,6 +253,9 @@ void TlsScriptServer::talk(SSL* tls, int socket) {
 }
 
 bool TlsScriptServer::answer(SSL* tls, int socket, const ScriptedReply& reply) {
+    if (reply.afterNewKeys) {
+        renewKeys(tls);
+    }
     writeAll(tls, reply.bytes);
     switch (reply.ending) {
     case Ending::keep:

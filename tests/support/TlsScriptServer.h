@@ -26,6 +26,7 @@ enum class Ending {
 struct ScriptedReply {
     std::string bytes;
     Ending ending = Ending::keep;
+    bool afterNewKeys = false;  ///< TLS 1.2 renegotiates before, TLS 1.3 updates the keys
 };
 
 struct TlsServerSettings {
