@@ -16,7 +16,7 @@ KEYS = {
     "stdout_to", "stderr_to", "ignores_sigpipe", "files", "server", "replies", "timeout",
     "stdout", "stderr", "stderr_begins", "status", "signal", "requests", "connections",
     "log", "log_is", "log_absent", "unprivileged", "killed_by", "seen", "longest_file",
-    "bystander",
+    "bystander", "hello",
 }  # fmt: skip
 REPLY_KEYS = {
     "status", "json", "body", "type", "headers", "coding", "raw", "then", "drip", "endless",
@@ -125,15 +125,11 @@ def _content(path):
 def load(path):
     """A file's cases with the defaults laid under them, their texts, and every run's files."""
     path = pathlib.Path(path)
-    return complete(_content(path), path.name, path.parent)
-
-
-def complete(own, label, folder=FOLDER):
-    """As `load`, for what a case file holds; `label` names it, its golden files are in `folder`."""
     shared = tomllib.loads((FOLDER / "defaults.toml").read_text())
-    _check_keys(own, {"defaults", "texts", "case", "factor", "product"}, label)
+    own = _content(path)
+    _check_keys(own, {"defaults", "texts", "case", "factor", "product"}, path.name)
     defaults = _merge(shared["defaults"], own.get("defaults", {}))
-    texts = Texts(_merge(shared["texts"], own.get("texts", {})), folder)
+    texts = Texts(_merge(shared["texts"], own.get("texts", {})), path.parent)
     request_defaults, by_method = defaults.pop("request"), defaults.pop("request_by_method")
     cases = []
     products = _products(own.get("product", []), own.get("factor", {}))
@@ -149,7 +145,7 @@ def complete(own, label, folder=FOLDER):
     names = [case["name"] for case in cases]
     repeated = {name for name in names if names.count(name) > 1}
     if repeated:
-        raise CaseError(f"{label} has names that stand twice: {', '.join(sorted(repeated))}")
+        raise CaseError(f"{path.name} has names that stand twice: {', '.join(sorted(repeated))}")
     return cases, texts, shared["standard_files"]
 
 

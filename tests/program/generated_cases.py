@@ -1,7 +1,4 @@
-"""Whole-program cases that a program makes where a file would only repeat itself."""
-
-import case_files
-import run_cases
+"""What the programs among the case files share: every operation with the request it is about."""
 
 LIST = "/arkeon/config/hosts/hostmappings"
 LOOKUP = LIST + "?mappedhostname=h"
@@ -59,7 +56,8 @@ OWN = Operation("-list -apvmappings", ["-list", "-am"], [{
 ADD = _change("add", "PUT", ["-mappingname", "m"], "u/hostmappings/m", '{"isShared":false}')
 DELETE = _change("delete", "DELETE", ["-mappingname", "m"], "u/hostmappings/m")
 REISSUE = _change(
-    "allowautoreissuecert", "PATCH", ["-autoreissue", "1"], "u", '{"autoReissue":true}')  # fmt: skip
+    "allowautoreissuecert", "PATCH", ["-autoreissue", "1"], "u", '{"autoReissue":true}'
+)
 CHANGES = [
     ADD, DELETE, REISSUE,
     _change("addcomment", "PUT", ["-comment", "c"], "u/comment", '{"comment":"c"}'),
@@ -93,21 +91,8 @@ def binary(data):
     return {"hex": (data.encode() if isinstance(data, str) else data).hex()}
 
 
-def main(description, groups, whole=()):
-    """Runs the cases of all groups, which are functions by name; the exit status.
-
-    Nothing is left out of the groups in `whole`.
-    """
-    parser = run_cases.argument_parser(description)
-    parser.add_argument(
-        "--every", type=int, default=1, metavar="N", help="only every Nth case of most groups"
-    )
-    parser.add_argument("--group", choices=groups, help="only the cases of this one")
-    options = parser.parse_args()
-    wanted = {label: group for label, group in groups.items() if options.group in (None, label)}
-    chosen = []
-    for label, group in wanted.items():
-        cases = case_files.complete({"case": list(group())}, label)
-        found = run_cases.chosen_cases(options, [(label, cases)])
-        chosen += found if label in whole else found[:: options.every]
-    return run_cases.main(options, chosen)
+def grouped(*groups):
+    """A case file's content: the cases of all groups, which are functions."""
+    return {"case": [
+        case | {"name": f"{group.__name__}: {case['name']}"} for group in groups for case in group()
+    ]}  # fmt: skip

@@ -10,12 +10,12 @@ INTEGERS = [
     "0", "-0", "1", "-1", "999", "1000", "-999", "-1000", "2147483647", "2147483648", "-2147483648",
     "-2147483649", "4294967295", "4294967296", "253402300799999", "253402300800000",
     "-62135596800000", "-62135596800001", "-62167219200000", "-62167219201000", "-30641760000000",
-    "-30641846400001", "9007199254740993", "67767976233532799000", "67768036191676799000",
+    "-30641846400001", "9007199254740993", "67767976233532799", "67768036191676800",
     "9223372036854775807", "-9223372036854775807", "-9223372036854775808",
 ]  # fmt: skip
-INTEGERS = [each for each in INTEGERS if -(2**63) <= int(each) < 2**63]
 OTHERS = [
-    "1.5", "-0.0", "0.1", "1E3", "1e15", "1e-400", "1e308", "-1e308", "5e-324", "123456789.123456789",
+    "1.5", "-0.0", "0.1", "1E3", "1e15", "1e-400", "1e308", "-1e308", "5e-324",
+    "123456789.123456789",
     "true", "false", "null", '""', '"1"', '"Yes"', "[]", "{}", "[1]", '{"a":1}', '[[],{}]',
 ]  # fmt: skip
 VALUES = INTEGERS + OTHERS
@@ -29,8 +29,8 @@ NO_VALUES = [
 TEXT_KEYS = [key for _, key in listing_model.TEXT_LINES] + [
     "comment", "trustVersion", "externalCertificateSubject"]  # fmt: skip
 HOST_KEYS = [
-    *TEXT_KEYS, "isSecureEnabled", "autoReissue", "autoReissueDuration", "hasArkeonCaHostCertificate",
-    "hostMappings",
+    *TEXT_KEYS, "isSecureEnabled", "autoReissue", "autoReissueDuration",
+    "hasArkeonCaHostCertificate", "hostMappings",
 ]  # fmt: skip
 MAPPING_KEYS = [
     "mappedHostName", "isApproved", "isConflicting", "isAddedManually", "isShared", "createdOn",
@@ -39,7 +39,7 @@ MAPPING_KEYS = [
 
 
 def hosts_of_every_value():
-    """Hosts in JSON: each key with each value, in the host and in a mapping; and no hosts at all."""
+    """Hosts in JSON: each key with each value, in the host and in a mapping; and no hosts."""
     hosts = [f'{{"{key}":{value}}}' for key in HOST_KEYS for value in VALUES]
     mappings = [f'{{"{key}":{value}}}' for key in MAPPING_KEYS for value in VALUES]
     tables = [f'{{"uuid":"u","hostMappings":[{each}]}}' for each in mappings]
@@ -74,10 +74,12 @@ def error_reply(code, message='"m"', status=500):
 
 # Bodies that are no JSON, or no JSON that can be read.
 
+
 def no_json():
     deep = 100_000
     for name, body in (
-        ("nothing", b""), ("blanks", b" \n"), ("HTML", b"<!DOCTYPE html><html><body>Bad</body></html>"),
+        ("nothing", b""), ("blanks", b" \n"),
+        ("HTML", b"<!DOCTYPE html><html><body>Bad</body></html>"),
         ("half an object", b'{"hosts":['), ("a byte order mark", b"\xef\xbb\xbf{}"),
         ("UTF-16", '{"hosts":[]}'.encode("utf-16")), ("a NUL after it", b'{"hosts":[]}\0'),
         ("a NUL and more after it", b'{"hosts":[]}\0{}'), ("a NUL alone", b"\0"),
@@ -142,11 +144,6 @@ ASKING = {
     "Keep-Alive": ("timeout=-1, max=0",),
     "Content-Disposition": ("attachment; filename=../../x",),
 }  # fmt: skip
-
-
-def controls():
-    """Every text of one control character of JSON that a text may hold, by its escape."""
-    return [chr(code) for code in [*range(1, 0x20), 0x7F, *range(0x80, 0xA0)]]
 
 
 SEQUENCES = {

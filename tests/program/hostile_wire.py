@@ -9,7 +9,10 @@ BODY = b'{"hosts":[{"uuid":"1"}]}'
 TIMED_OUT, BROKEN, TOO_LARGE, CLIENT, UNREADABLE = 7622, 7625, 7628, 7629, 7610
 CHUNKED, GZIP = "Transfer-Encoding: chunked", "Content-Encoding: gzip"
 LIMIT = 100_000  # of the body, in these cases
-ENVIRONMENT = {"AK_TEST_STALL_SECONDS": "2", "AK_TEST_BODY_BYTES": str(LIMIT)}
+ENVIRONMENT = {"AK_TEST_STALL_SECONDS": "30", "AK_TEST_BODY_BYTES": str(LIMIT)}
+IMPATIENT = {"AK_TEST_STALL_SECONDS": "2"}
+# Less than its dripping reply takes.
+HARDLY_PATIENT = ENVIRONMENT | {"AK_TEST_STALL_SECONDS": "4"}
 EMPTY_BLOCKS = bytes.fromhex("000000ffff") * 1000  # stored ones of deflate, of no bytes
 GZIP_HEAD = bytes.fromhex("1f8b0800000000000003")
 GZIP_HEAD_WITH_NAME = bytes.fromhex("1f8b0808000000000003")
@@ -87,7 +90,7 @@ TAKEN = {
     "deflate without its frame": reply(coded(DEFLATED[2:-4], "deflate")),
     "no coding under its name": reply(coded(BODY, "identity")),
     "a part of something else": reply(with_length(BODY, "Content-Range: bytes 50-73/99")),
-    "two bytes after each wait": reply(
+    "two bytes at a time": reply(
         with_length(BODY), drip={"from": len(with_length(BODY)) - 24, "bytes": 2, "seconds": 0.4}),
     "a second reply after it": reply(with_length(BODY) + with_length(b"{}")),
     "clear text after it": reply(with_length(BODY), "clear text"),

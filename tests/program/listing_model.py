@@ -86,9 +86,9 @@ def row(mapping):
 def table(mappings, unfiltered):
     header = "\n\n" + "".join(pad(label, width) for label, width in COLUMNS)
     if unfiltered:
-        approvals = [(each, member(each, "isApproved", False)) for each in mappings]
-        approved = [each for each, approval in approvals if approval is True]
-        pending = [each for each, approval in approvals if not (approval is None or approval is True)]
+        known = [each for each in mappings if member(each, "isApproved", False) is not None]
+        approved = [each for each in known if member(each, "isApproved") is True]
+        pending = [each for each in known if member(each, "isApproved") is not True]
         mappings = approved + pending
     return header + "".join(map(row, mappings)) + "\n"
 
@@ -131,10 +131,14 @@ def long_hosts(hosts, unfiltered=False):
     return "".join(long_host(host, unfiltered) for host in hosts)
 
 
+def upper_escapes(text):
+    """JSON with its escapes of control characters as jansson writes them."""
+    escapes = re.compile(r"\\(\\|u00..)")
+    return escapes.sub(lambda match: match[0].upper().replace("U", "u"), text)
+
+
 def json_text(text):
-    escaped = json.dumps(text, ensure_ascii=False)
-    return re.sub(r"\\\\|\\u00..", lambda match: "\\u" + match[0][2:].upper()
-                  if match[0] != "\\\\" else match[0], escaped)  # fmt: skip
+    return upper_escapes(json.dumps(text, ensure_ascii=False))
 
 
 def json_real(number):
@@ -149,12 +153,15 @@ def laid_out(value, depth=0):
         return json_text(value)
     if isinstance(value, float):
         return json_real(value)
-    if not isinstance(value, (dict, list)):
-        return json.dumps(value)
-    parts = [laid_out(each, depth + 1) for each in value] if isinstance(value, list) else [
-        f"{json_text(key)}: {laid_out(each, depth + 1)}" for key, each in value.items()]  # fmt: skip
-    begin, end = "[]" if isinstance(value, list) else "{}"
-    if not parts:
-        return begin + end
-    margin = "\n" + "   " * (depth + 1)
-    return f"{begin}{margin}{f',{margin}'.join(parts)}{margin[:-3]}{end}"
+    if isinstance(value, dict):
+        parts = [f"{json_text(key)}: {laid_out(each, depth + 1)}" for key, each in value.items()]
+        return _in_lines("{", parts, "}", depth)
+    if isinstance(value, list):
+        return _in_lines("[", [laid_out(each, depth + 1) for each in value], "]", depth)
+    return json.dumps(value)
+
+
+def _in_lines(begin, parts, end, depth):
+    margin = "\n" + "   " * depth
+    lines = ",".join(f"{margin}   {part}" for part in parts)
+    return begin + lines + (margin if parts else "") + end

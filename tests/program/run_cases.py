@@ -28,22 +28,18 @@ SERVER_KINDS = {"running", "none", "unnamed", "plain", "silent", "TLS 1.1", "TLS
 LOG_LINE = re.compile(r"\d{4}(?:-\d\d){2}T\d\d:\d\d:\d\d\.\d{3}[+-]\d{4} (\d+) (.*)", re.DOTALL)
 
 
-def argument_parser(description):
-    parser = argparse.ArgumentParser(description=description)
+def arguments():
+    parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--tool", required=True, type=os.path.abspath)
     parser.add_argument("--devserver", required=True, help="makes the certificates")
     parser.add_argument("--make-certificates", help="the program that makes those of other kinds")
     parser.add_argument("--filter", default="*", help="only cases whose name matches")
     parser.add_argument("--jobs", type=int, default=4)
+    parser.add_argument("--every", type=int, default=1, metavar="N", help="only every Nth case")
     parser.add_argument("--list", action="store_true", help="show the names, run nothing")
     parser.add_argument(
         "--define", action="append", default=[], metavar="NAME=VALUE", help="a placeholder"
     )
-    return parser
-
-
-def arguments():
-    parser = argument_parser(__doc__)
     parser.add_argument("case_files", nargs="+", metavar="CASEFILE")
     return parser.parse_args()
 
@@ -124,7 +120,7 @@ class Stage:
             if kind not in SERVER_KINDS:
                 server, key = self._others / f"{kind}.pem", self._others / f"{kind}.key"
             context = scripted_server.server_context(server, key, ours.authority, tls)
-        return scripted_server.ScriptedServer(listener, context, replies)
+        return scripted_server.ScriptedServer(listener, context, replies, case.get("hello"))
 
 
 def run_case(stage, case, texts, standard_files):
@@ -288,14 +284,15 @@ class Verdict:
             self._found += [f"log: has {text!r}: {line}" for line in found if text in line]
 
 
-def chosen_cases(options, files):
-    """The cases to run, of `files`: pairs of a label and what `case_files` gives for it."""
+def chosen_cases(options):
     chosen = []
-    for label, (cases, texts, standard_files) in files:
+    for path in options.case_files:
+        cases, texts, standard_files = case_files.load(path)
+        label = pathlib.Path(path).stem
         for case in cases:
             if fnmatch.fnmatch(case["name"], options.filter):
                 chosen.append((f"{label}: {case['name']}", case, texts, standard_files))
-    return chosen
+    return chosen[:: options.every]
 
 
 def run_all(options, chosen):
@@ -316,8 +313,9 @@ def run_all(options, chosen):
     return failed
 
 
-def main(options, chosen):
-    """Does as the options say; the exit status."""
+def main():
+    options = arguments()
+    chosen = chosen_cases(options)
     if options.list:
         print("\n".join(label for label, *_ in chosen))
         return 0
@@ -329,11 +327,5 @@ def main(options, chosen):
     return 1 if failed or not chosen else 0
 
 
-def main_of_files():
-    options = arguments()
-    files = [(pathlib.Path(path).stem, case_files.load(path)) for path in options.case_files]
-    return main(options, chosen_cases(options, files))
-
-
 if __name__ == "__main__":
-    sys.exit(main_of_files())
+    sys.exit(main())

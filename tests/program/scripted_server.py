@@ -76,15 +76,17 @@ def end(connection):
 class ScriptedServer:
     """Serves on `listener` until `stop`; each connection has a thread of its own.
 
-    Without a TLS context it greets every connection in the clear and ends it.
+    Without a TLS context it greets every connection in the clear and ends it. With `hello` it says no
+    more than so many bytes of TLS.
     """
 
-    def __init__(self, listener, context, replies):
+    def __init__(self, listener, context, replies, hello=None):
         self.connections = 0
         self.requests = []
         self.problems = []
         self.unused = list(replies)
         self._context = context
+        self._hello = hello
         self._listener = listener
         self._lock = threading.Lock()
         self._stopping = threading.Event()
@@ -117,6 +119,9 @@ class ScriptedServer:
             if self._context is None:
                 connection.sendall(b"HELLO\r\n")
                 return
+            if self._hello is not None:
+                connection.sendall(self._first_flight(connection)[: self._hello])
+                return
             with self._secured(connection) as secure:
                 self._sockets.append(secure)
                 self._handshake(secure)
@@ -126,6 +131,18 @@ class ScriptedServer:
             pass
         finally:
             connection.close()
+
+    def _first_flight(self, connection):
+        """What TLS answers to the client's hello."""
+        arrived, answer = ssl.MemoryBIO(), ssl.MemoryBIO()
+        talk = self._context.wrap_bio(arrived, answer, server_side=True)
+        while True:
+            arrived.write(connection.recv(65536))
+            try:
+                talk.do_handshake()
+            except ssl.SSLWantReadError:
+                if answer.pending:
+                    return answer.read()
 
     def _secured(self, connection):
         return self._context.wrap_socket(

@@ -1,18 +1,14 @@
-#!/usr/bin/env python3
-"""Replies as a hostile or broken server sends them, one run of the tool each.
-
-    hostile_replies_test.py --tool PATH --devserver PATH [--group NAME] [--every N] [...]
-"""
+"""Replies as a hostile or broken server sends them, to every kind of request."""
 
 import json
-import sys
+import zlib
 
 import generated_cases
 import hostile_content as content
 import hostile_wire as wire
 import listing_model
 from generated_cases import (
-    ADD, ADD_HOST, DELETE, FILTERED, LISTING, LOOKUPS, ONE_HOST, OWN, REISSUE, REQUESTS, binary,
+    ADD, ADD_HOST, DELETE, LISTING, LOOKUPS, ONE_HOST, OWN, REISSUE, REQUESTS, binary,
     failure,
 )  # fmt: skip
 
@@ -33,14 +29,28 @@ def cut():
             for ending in ("close", "abort"):
                 name, reply = f"{label}, {place} bytes, {ending}", wire.reply(data[:place], ending)
                 whole = {"stdout": [binary(wire.BODY), "\n"]}
-                yield COMPACT.case(name, reply, **whole if place >= needed else failure(wire.BROKEN))
+                ended = whole if place >= needed else failure(wire.BROKEN)
+                yield COMPACT.case(name, reply, **ended)
 
 
-def taken():
-    for name, reply in wire.TAKEN.items():
-        body = wire.BODY.ljust(wire.LIMIT) if "largest" in name else wire.BODY
-        printed = {"stdout": [binary(body), "\n"]}
-        yield COMPACT.case(name, reply, environment=wire.ENVIRONMENT, **printed)
+def handshakes():
+    """A server that closes inside its first flight of TLS."""
+    for place in [*range(0, 20), *range(20, 900, 20)]:
+        yield {
+            "name": f"{place} bytes", "args": LISTING.args, "requests": [], "connections": 1,
+            "hello": place, **failure(7624),
+        }  # fmt: skip
+
+
+def shortened():
+    """Compressed bodies of the right length that stop early: all is printed, or nothing."""
+    for coding, data, window in (("gzip", wire.ZIPPED, 31), ("deflate", wire.DEFLATED, 15)):
+        for place in range(len(data)):
+            decoded = zlib.decompressobj(window).decompress(data[:place])
+            whole = {"stdout": [binary(wire.BODY), "\n"]}
+            ended = whole if decoded == wire.BODY else failure(wire.UNREADABLE)
+            reply = wire.reply(wire.coded(data[:place], coding))
+            yield COMPACT.case(f"{coding}, {place} bytes", reply, **ended)
 
 
 def refused():
@@ -53,7 +63,7 @@ def refused():
 def slow():
     for name, reply, code in wire.slow():
         for operation in (LISTING, LOOKUPS[0], DELETE):
-            yield operation.case(name, reply, environment=wire.ENVIRONMENT, **failure(code))
+            yield operation.case(name, reply, environment=wire.IMPATIENT, **failure(code))
 
 
 def statuses():
@@ -148,22 +158,6 @@ def lookups():
             yield operation.case(f"a host ID with {escape}", reply, **failure(7627))
 
 
-def formats():
-    """Every key with every value, in every format: one reply holds them all."""
-    hosts = content.hosts_of_every_value()
-    reply = {"body": content.reply_of(hosts)}
-    parsed = json.loads(f'{{"hosts":[{",".join(hosts)}]}}')
-    compact = case_bytes(content.reply_of(hosts))
-    for operation, unfiltered in ((LISTING, True), (FILTERED, False)):
-        for options, printed in (
-            ([], listing_model.long_hosts(parsed["hosts"], unfiltered)),
-            (["-short"], listing_model.short_hosts(parsed["hosts"])),
-            (["-json"], listing_model.laid_out(parsed)),
-            (["-json_compact"], compact + b"\n"),
-        ):
-            yield operation.with_options(*options).case("values", reply, stdout=binary(printed))
-
-
 def values():
     """Every value as the one host, and everywhere in it."""
     for value in content.VALUES:
@@ -186,15 +180,6 @@ def one_host(name, host):
         yield ONE_HOST.with_options(option).case(name, reply, stdout=binary(printed))
 
 
-def case_bytes(text):
-    return bytes.fromhex(text["hex"])
-
-
-GROUPS = {
-    "cut": cut, "taken": taken, "refused": refused, "slow": slow, "statuses": statuses,
-    "redirects": redirects, "asking": asking, "codes": codes, "no_json": no_json,
-    "lookups": lookups, "values": values, "formats": formats,
-}  # fmt: skip
-
-if __name__ == "__main__":
-    sys.exit(generated_cases.main(__doc__, GROUPS, whole={"taken", "formats"}))
+CASES = generated_cases.grouped(
+    cut, handshakes, shortened, refused, slow, statuses, redirects, asking, codes, no_json, lookups,
+    values)  # fmt: skip
