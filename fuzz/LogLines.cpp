@@ -12,18 +12,26 @@ using fuzz::expect;
 
 namespace {
 
-/// Control bytes that stand for themselves, not inside a letter.
+/// Whether the byte at this place belongs to a letter of UTF-8.
+bool isInLetter(std::string_view text, std::size_t place) {
+    for (std::size_t back = 1; back <= std::min<std::size_t>(place, 3); ++back) {
+        for (std::size_t length = back + 1; length <= 4; ++length) {
+            const std::string_view letter = text.substr(place - back, length);
+            if (static_cast<unsigned char>(letter.front()) >= 0xC0 && arkeon::isUtf8(letter)) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+/// Control bytes of an 8-bit character set that stand for themselves.
 bool hasLoneC1(std::string_view text) {
-    while (!text.empty()) {
-        const auto byte = static_cast<unsigned char>(text.front());
-        if (byte >= 0x80 && byte <= 0x9F) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        if (byte >= 0x80 && byte <= 0x9F && !isInLetter(text, i)) {
             return true;
         }
-        std::size_t letter = 1;
-        while (letter < 4 && letter < text.size() && !arkeon::isUtf8(text.substr(0, letter))) {
-            ++letter;
-        }
-        text.remove_prefix(arkeon::isUtf8(text.substr(0, letter)) ? letter : 1);
     }
     return false;
 }
