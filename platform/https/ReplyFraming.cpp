@@ -55,13 +55,9 @@ bool hasClearLength(CURL* handle) {
 }
 
 bool endsWithConnection(CURL* handle) {
-    constexpr long noContent = 204;
-    constexpr long notModified = 304;
-    long httpStatus = 0;
     curl_off_t length = 0;
-    client().curl_easy_getinfo(handle, CURLINFO_RESPONSE_CODE, &httpStatus);
     client().curl_easy_getinfo(handle, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
-    return httpStatus != noContent && httpStatus != notModified && length < 0 && !isChunked(handle);
+    return length < 0 && !isChunked(handle);
 }
 
 }  // namespace arkeon

@@ -9,7 +9,8 @@ namespace arkeon {
 /// where a number is beyond 64 bits. To be asked once the head is whole.
 bool hasClearLength(CURL* handle);
 
-/// Whether only the end of the connection ends the reply's body (RFC 9112, 6.3).
+/// Whether only the end of the connection ends the reply's body (RFC 9112, 6.3). To libcurl a reply
+/// that has no body because of its status, as 204 and 304, has the length 0.
 bool endsWithConnection(CURL* handle);
 
 }  // namespace arkeon

@@ -11,7 +11,7 @@ GROUPS = {
     "operations": [f"hostmgmt/AkHostMgmt{name}.cpp" for name in ["BaseOption", *OPERATIONS]],
     "request classification": [
         "hostmgmt/HostIdentity.cpp", "hostmgmt/RestResources.cpp", "hostmgmt/ServerRequests.cpp",
-        "platform/https/CurlStatus.cpp",
+        "platform/https/CurlStatus.cpp", "platform/https/ReplyFraming.cpp",
     ],
     "error reporting": [
         "cmdframework/Messages.cpp", "cmdframework/Runtimecmd.cpp", "cmdframework/Usagecmd.cpp",

@@ -20,7 +20,7 @@ import trials
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 # A mutant that so many whole runs do not find counts as found by none.
-MOST_CASES = 100
+MOST_CASES = 40
 ACCEPTED = pathlib.Path(__file__).resolve().parent / "survivors.toml"
 
 
@@ -67,7 +67,8 @@ class Trials:
         with tempfile.NamedTemporaryFile(dir=self._folder) as notes:
             notes.truncate(max(self._paths, default=0) + 1)
             begin = time.monotonic()
-            if not test.passes({"AK_MUTANTS_REACHED": notes.name}):
+            choice = {"AK_MUTANTS_REACHED": notes.name}
+            if not test.passes(choice) and not test.passes(choice):  # a busy machine is no fault
                 raise SystemExit(f"without a mutant this fails: {test}")
             seconds = time.monotonic() - begin
             numbers = {number for number, byte in enumerate(notes.read()) if byte}
