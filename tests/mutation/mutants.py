@@ -35,7 +35,7 @@ class Mutant:
     end: int
     original: str
     changed: str | None  # None: the statement is left out
-    is_condition: bool = False  # what it changes may be of a type that only stands for true or false
+    is_condition: bool = False  # what it changes may be of any type that can be a condition
     code: str = ""  # the line
     occurrence: int = 1  # which one it is of those with the same change in such a line
     number: int = 0
@@ -59,9 +59,11 @@ class Mutant:
 
 def parse(path, command):
     """The view of a source that its compile command gives."""
-    words = [word for word in shlex.split(command)[1:] if not word.startswith(("-W", "-o"))]
-    flags = [word for word in words if word.startswith(("-I", "-D", "-U", "-std", "-isystem", "/"))
-             and not word.endswith((".cpp", ".o"))]  # fmt: skip
+    kinds = ("-I", "-D", "-U", "-std", "-isystem", "/")
+    flags = [
+        word for word in shlex.split(command)
+        if word.startswith(kinds) and not word.endswith((".cpp", ".o", "ccache", "c++", "g++"))
+    ]  # fmt: skip
     options = TranslationUnit.PARSE_DETAILED_PROCESSING_RECORD
     unit = Index.create().parse(str(path), flags, options=options)
     errors = [each for each in unit.diagnostics if each.severity >= each.Error]
@@ -176,7 +178,7 @@ class Finder:
             self._visit(child, node)
 
     def _is_constant_expression(self, node, parent):
-        """Whether the compiler has to know the value; the word constexpr is noted where it can go."""
+        """Whether the compiler has to know the value; notes the word constexpr where it can go."""
         if node.kind == Kind.CALL_EXPR and node.spelling in COMPILE_TIME_CALLS:
             if parent.kind != Kind.CALL_EXPR:
                 self._add(node, f"mutation::other({self._of(node)})")

@@ -123,8 +123,8 @@ def run(options, build, mutants):
         for mutant, killer in zip(mutants, pool.map(all_trials.killer, mutants)):
             found.append((mutant, killer))
             if killer is None:
-                reached = "" if all_trials.reached(mutant) else " (no test comes by it)"
-                print(f"survived: {mutant.path}:{mutant.line}: {mutant.change}{reached}", flush=True)
+                why = "survived" if all_trials.reached(mutant) else "no test comes by"
+                print(f"{why}: {mutant.path}:{mutant.line}: {mutant.change}", flush=True)
     return found
 
 

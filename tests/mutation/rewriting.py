@@ -1,9 +1,9 @@
-"""Writes a source anew with all its mutants in it, each behind the question whether it is in force."""
+"""Writes a source anew with all its mutants, each behind the question whether it is in force."""
 
 import re
 import subprocess
 
-LOCATION = re.compile(r"^(.*?):(\d+):(\d+): (?:fatal )?error: (.*)$", re.MULTILINE)
+LOCATION = re.compile(r"^(.*?):(\d+):(\d+): (?:fatal )?error: ", re.MULTILINE)
 
 
 class Rewriting:
@@ -90,10 +90,10 @@ def compilable(source, mutants, constexpr_words, path, command, folder):
         run = subprocess.run(command, cwd=folder, capture_output=True, text=True)
         if run.returncode == 0:
             return mutants
-        places = [found.groups() for found in LOCATION.finditer(run.stderr) if found[1] == str(path)]
         wrong = set()
-        for _, line, column, _ in places:
-            wrong |= rewriting.numbers_at(int(line), int(column))
+        for file, line, column in LOCATION.findall(run.stderr):
+            if file == str(path):
+                wrong |= rewriting.numbers_at(int(line), int(column))
         if not wrong:
             raise SystemExit(f"{path} does not compile, and no mutant is the reason:\n{run.stderr}")
         mutants = [each for each in mutants if each.number not in wrong]

@@ -19,6 +19,9 @@ WALL_SECONDS = 120
 MEMORY_BYTES = 8 << 30
 FILE_BYTES = 1 << 30
 
+# What ctest gives every test.
+ENVIRONMENT = {"LC_ALL": "C.UTF-8", "LANGUAGE": "", "ARKEON_ROOT": "/dev/null/no-root"}
+
 
 def fence():
     """Bounds what this process and all that it starts may take."""
@@ -39,11 +42,11 @@ class UnitTest:
 
     def passes(self, choice):
         with tempfile.TemporaryDirectory(prefix="akhostmgmt_mutant_") as folder:
-            command = ["prlimit", f"--cpu={CPU_SECONDS}", self.program, f"--gtest_filter={self.name}"]
-            environment = {"PATH": os.environ["PATH"], "LC_ALL": "C.UTF-8", "LANGUAGE": "",
-                           "ARKEON_ROOT": "/dev/null/no-root", "TMPDIR": folder, "HOME": folder}  # fmt: skip
+            limited = ["prlimit", f"--cpu={CPU_SECONDS}", self.program]
+            environment = {"PATH": os.environ["PATH"], "TMPDIR": folder, "HOME": folder}
             process = subprocess.Popen(
-                command, env=environment | choice, cwd=folder, start_new_session=True,
+                [*limited, f"--gtest_filter={self.name}"],
+                env=ENVIRONMENT | environment | choice, cwd=folder, start_new_session=True,
                 stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
             )  # fmt: skip
             try:
@@ -56,7 +59,8 @@ class UnitTest:
 
 def unit_tests(program):
     """The tests that a program lists."""
-    listed = subprocess.run([program, "--gtest_list_tests"], check=True, capture_output=True, text=True)
+    command = [program, "--gtest_list_tests"]
+    listed = subprocess.run(command, check=True, capture_output=True, text=True)
     tests, suite = [], ""
     for line in listed.stdout.splitlines():
         name = line.split("#")[0].rstrip()
