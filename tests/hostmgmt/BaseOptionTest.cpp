@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <new>
 
 namespace {
 
@@ -21,12 +22,11 @@ TEST(BaseOption, MembersAreSetAndReplaced) {
     EXPECT_EQ(test.operation.getJSONpayload(), R"({"hostName":"tw\"o\n","isShared":true})");
 }
 
-TEST(BaseOption, WithoutMemoryThePayloadIsEmpty) {
+TEST(BaseOption, WithoutMemoryThereIsNoPayload) {
     TestOperation test;
     json_set_alloc_funcs([](std::size_t) -> void* { return nullptr; }, std::free);
-    const std::string payload = test.operation.getJSONpayload();
+    EXPECT_THROW(test.operation.getJSONpayload(), std::bad_alloc);
     json_set_alloc_funcs(std::malloc, std::free);
-    EXPECT_EQ(payload, "");
 }
 
 TEST(BaseOption, LoadJSONReplacesThePayload) {
