@@ -158,7 +158,7 @@ def _endless():
         ("lines of the head", b"HTTP/1.1 200 OK\r\n", b"X: y\r\n" * 999),
         ("line of the head", b"HTTP/1.1 200 OK\r\nX: ", b"x" * 5000),
         ("status line", b"HTTP/1.1 200 ", b"x" * 5000),
-        ("continued line", b"HTTP/1.1 200 OK\r\nX: y\r\n", b" x\r\n" * 999),
+        ("continued line", b"HTTP/1.1 200 OK\r\nX: y\r\n", (b" " + b"x" * 90 + b"\r\n") * 99),
         ("interim replies", b"", head(status="102 Processing") * 99),
         ("body", head(), b"x" * 5000),
         ("chunks", head(CHUNKED), b"3e8\r\n" + b"x" * 1000 + b"\r\n"),
