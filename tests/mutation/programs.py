@@ -49,12 +49,11 @@ class Build:
         """Compiles a source with its mutants; returns those that compile."""
         mutated = self.folder / "sources" / source.replace("/", "-")
         command, made = self._words(source, mutated)
+        target = self.folder / "objects" / made.replace("/", "-")
         good = rewriting.compilable(
             (self.root / source).read_bytes(), found, words, mutated,
-            [*command, "-fsyntax-only"], self.build,
+            [*command, "-c", "-o", str(target)], self.build,
         )  # fmt: skip
-        target = self.folder / "objects" / made.replace("/", "-")
-        subprocess.run([*command, "-c", "-o", target], check=True, cwd=self.build)
         return good, made, target
 
     def compile_all(self, sources, chosen, jobs):
@@ -62,7 +61,8 @@ class Build:
         everything = []
         for source in sources:
             found, words = self.find(source)
-            everything.append((source, chosen(found), words))
+            if mutants_left := chosen(found):
+                everything.append((source, mutants_left, words))
         for number, each in enumerate((each for row in everything for each in row[1]), 1):
             each.number = number
         with ThreadPoolExecutor(jobs) as pool:

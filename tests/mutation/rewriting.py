@@ -82,7 +82,7 @@ class Rewriting:
 def compilable(source, mutants, constexpr_words, path, command, folder):
     """Writes the source with those mutants that compile to `path`; returns them.
 
-    `command`, run in `folder`, checks the syntax of `path`.
+    `command`, run in `folder`, compiles `path`.
     """
     while True:
         rewriting = Rewriting(source, mutants, constexpr_words)

@@ -6,12 +6,12 @@ import resource
 import subprocess
 import sys
 import tempfile
-import types
 
 PROGRAM_TESTS = pathlib.Path(__file__).resolve().parent.parent / "program"
 sys.path.insert(0, str(PROGRAM_TESTS))
 
-import run_cases  # noqa: E402  (found only now)
+import case_files  # noqa: E402  (found only now)
+import run_cases  # noqa: E402
 
 # What a run may take: a mutant may well loop for ever, or ask for all memory.
 CPU_SECONDS = 20
@@ -95,10 +95,10 @@ class Case:
 
 def cases(tool, devserver, names, jobs, folder):
     """The cases of the files with these names, against `tool`."""
-    files = [PROGRAM_TESTS / "cases" / f"{name}.toml" for name in names]
-    options = types.SimpleNamespace(
-        tool=str(tool), devserver=str(devserver), jobs=jobs, define=[], filter="*", case_files=files
-    )
+    words = ["--tool", str(tool), "--devserver", str(devserver), "--jobs", str(jobs)]
+    options = run_cases.argument_parser(__doc__).parse_args(words)
+    folder_of_cases = PROGRAM_TESTS / "cases"
+    files = [(name, case_files.load(folder_of_cases / f"{name}.toml")) for name in names]
     folder.mkdir()
     stage = run_cases.Stage(options, folder)
-    return [Case(stage, *row) for row in run_cases.chosen_cases(options)]
+    return [Case(stage, *row) for row in run_cases.chosen_cases(options, files)]
