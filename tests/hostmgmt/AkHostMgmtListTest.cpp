@@ -218,6 +218,13 @@ TEST(ListResult, AFailedRequestIsReturnedAndPrintsNothingElse) {
     EXPECT_EQ(listing.err, lineOf(8701));
 }
 
+TEST(ListResult, WithoutAReplyTheStatusIs0) {
+    const Listing listing = listWith({}, {7621, 0, ""});
+    EXPECT_EQ(listing.result, 7621);
+    EXPECT_EQ(listing.err, lineOf(7621));
+    EXPECT_EQ(listing.log.back(), "2 Http return code : 0, Response string : ");
+}
+
 TEST(ListResult, AnyOtherSuccessThan200PrintsNothing) {
     const Listing listing = listWith({}, {0, 201, oneHost});
     EXPECT_EQ(listing.result, 0);
