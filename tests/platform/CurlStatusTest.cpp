@@ -79,6 +79,19 @@ TEST(CurlStatus, WhatTheToolRefusedComesBeforeLibcurlsResult) {
     EXPECT_EQ(observed(CURLE_WRITE_ERROR, outOfMemory), "no memory for the body");
 }
 
+TEST(CurlStatus, NoMemoryWithinTheHeadIsALineThatIsTooLong) {
+    TransferNotes notes;
+    EXPECT_EQ(statusOf(CURLE_OUT_OF_MEMORY, notes), status::clientFailure);
+    notes.requestSent = true;
+    EXPECT_EQ(statusOf(CURLE_OUT_OF_MEMORY, notes), status::replyTooLarge);
+    EXPECT_EQ(
+        observed(CURLE_OUT_OF_MEMORY, notes),
+        "a line of the reply's head is over the limit, or there is no memory for it");
+    notes.replyHeadWhole = true;
+    EXPECT_EQ(statusOf(CURLE_OUT_OF_MEMORY, notes), status::clientFailure);
+    EXPECT_EQ(observed(CURLE_OUT_OF_MEMORY, notes), "");
+}
+
 TEST(CurlStatus, LibcurlsSuccessNeedsAWholeHead) {
     TransferNotes notes;
     notes.tlsClosed = true;
