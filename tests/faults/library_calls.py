@@ -46,8 +46,8 @@ NAMED = {name for names in CANNOT_FAIL.values() for name in names.split()}
 
 def symbols(path, *options):
     """The names in a file's dynamic symbol table, without their versions."""
-    lines = subprocess.run(
-        ["nm", "-D", *options, path], check=True, capture_output=True, text=True).stdout  # fmt: skip
+    command = ["nm", "-D", *options, path]
+    lines = subprocess.run(command, check=True, capture_output=True, text=True).stdout
     return {line.split()[-1].partition("@")[0] for line in lines.splitlines()}
 
 

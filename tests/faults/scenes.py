@@ -2,7 +2,6 @@
 
 import os
 import pathlib
-import queue
 import secrets
 import signal
 import socket
