@@ -25,7 +25,7 @@ CANNOT_FAIL = {
     "a year that does not fit is shown as an empty date; other times do not fail": "localtime_r",
     "returns 0 only for a buffer too small, and it is large enough": "strftime",
     "fails for a text that is no JSON; without memory jansson throws": "json_loads json_loadb",
-    "ends the process": "abort _exit",
+    "ends the process": "__assert_fail abort _exit",
     "one thread: nothing to wait for": """
         pthread_mutex_lock pthread_mutex_unlock pthread_once __pthread_key_create
         pthread_key_create pthread_getspecific pthread_setspecific __tls_get_addr
