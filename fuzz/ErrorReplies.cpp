@@ -19,7 +19,7 @@ constexpr unsigned lookUp = 5;
 
 /// The code that a server's error reply gives, 7610 when that cannot be told.
 int codeOf(const std::string& reply) {
-    const JsonRef root(json_loads(reply.c_str(), 0, nullptr));
+    const JsonRef root(json_loadb(reply.data(), reply.size(), 0, nullptr));
     const json_t* code = json_object_get(root.get(), "errorCode");
     const json_t* message = json_object_get(root.get(), "errorMessage");
     const bool whole = json_is_integer(code) && json_is_string(message) &&
@@ -61,7 +61,7 @@ void expectChange(unsigned method, int httpStatus, const std::string& reply) {
 
 /// The status of a look-up; 0 with the host ID.
 int lookUpIn(const std::string& reply, std::string& hostId) {
-    const JsonRef root(json_loads(reply.c_str(), 0, nullptr));
+    const JsonRef root(json_loadb(reply.data(), reply.size(), 0, nullptr));
     const json_t* hosts = json_object_get(root.get(), "hosts");
     if (!json_is_array(hosts) || json_array_size(hosts) != 1) {
         return !json_is_array(hosts) ? 7610 : (json_array_size(hosts) == 0 ? 8701 : 8900);

@@ -116,7 +116,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::size_t format = choice % 4;
     const Query& query = queries[choice / 4 % std::size(queries)];
     const std::string text = input.rest();
-    const JsonRef reply(json_loads(text.c_str(), 0, nullptr));
+    const JsonRef reply(json_loadb(text.data(), text.size(), 0, nullptr));
     const bool record = query.listed == Listed::oneHost || query.listed == Listed::ownNames;
 
     const Run run = list(format, query, text);
