@@ -81,8 +81,9 @@ class Worker:
         for fault in batch:
             outcome = faults.run(scene, fault, self.options.shim)
             met += outcome.injected
-            own = "-apvmappings" in scene.case["args"]
-            found = verdict.problems(outcome, clean, scene.token, fault, own)
+            found = verdict.problems(outcome, clean, scene.token, fault,
+                                     "-apvmappings" in scene.case["args"],
+                                     "LANGUAGE" in scene.case["environment"])  # fmt: skip
             wrong += [(str(fault), f"{each}: {outcome.err[-200:]!r}") for each in found]
         return met, wrong
 

@@ -43,13 +43,17 @@ class Clean:
         )
 
 
-def may_end_by_signal(outcome, fault):
+def may_end_by_signal(outcome, clean, fault, translated):
     aborted = any(text in outcome.err for text in ABORT_TEXTS) and LOGIC_ERROR in outcome.err
     if outcome.status == -signal.SIGABRT and aborted:
         return True
-    # The system's loader does not look whether it got its first memory.
-    nothing_done = not outcome.out and not outcome.requests
-    return fault and fault.loading and outcome.status == -signal.SIGSEGV and nothing_done
+    if not fault or outcome.status != -signal.SIGSEGV or outcome.out:
+        return False
+    # The system's loader does not look whether it got its first memory. gettext does not when it
+    # opens the character set of a catalogue, which is for the message about what was done.
+    all_done = outcome.requests == clean.first.requests
+    opening = translated and all_done and fault.call == "allocation"
+    return opening or fault.loading and not outcome.requests
 
 
 def is_silent(outcome, own_mappings):
@@ -57,12 +61,12 @@ def is_silent(outcome, own_mappings):
     return not outcome.err and not (own_mappings and outcome.status in OWN_IDENTITY_UNKNOWN)
 
 
-def problems(outcome, clean, token, fault=None, own_mappings=False):
+def problems(outcome, clean, token, fault=None, own_mappings=False, translated=False):
     """What is wrong with the outcome of a run with a fault, as texts; none when all is well."""
     found = []
     if outcome.timed_out:
         return ["still running: killed"]
-    if outcome.status < 0 and not may_end_by_signal(outcome, fault):
+    if outcome.status < 0 and not may_end_by_signal(outcome, clean, fault, translated):
         found.append(f"ended by {signal.Signals(-outcome.status).name}")
     if outcome.status == 0 and not clean.shows(outcome):
         found.append("status 0 although something is missing or different")

@@ -95,6 +95,19 @@ class WrongTool(ToolTest):
         self.assertEqual(self.found("kill -SEGV $$", loading), [])
         self.assertEqual(self.found("echo x; kill -SEGV $$", loading), ["ended by SIGSEGV"])
 
+    def test_a_crash_is_permitted_to_gettext_alone_and_after_the_requests(self):
+        for call, translated, expected in (
+            ("allocation", True, []), ("allocation", False, ["ended by SIGSEGV"]),
+            ("library_allocation", True, ["ended by SIGSEGV"]),
+        ):  # fmt: skip
+            outcome = scenes.Outcome(-11, b"", b"")
+            outcome.requests = self.clean.first.requests
+            fault = faults.Fault("allocation", call, 331, False)
+            found = verdict.problems(
+                outcome, self.clean, self.scene.token, fault, translated=translated
+            )
+            self.assertEqual(found, expected)
+
     def test_success_without_a_request(self):
         self.scene.run()
         output = self.host.folder / "output"
