@@ -19,8 +19,6 @@ import programs
 import trials
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-# A mutant that so many whole runs do not find counts as found by none.
-MOST_CASES = 20
 ACCEPTED = pathlib.Path(__file__).resolve().parent / "survivors.toml"
 
 
@@ -28,6 +26,10 @@ def arguments():
     parser = argparse.ArgumentParser(prog="scripts/mutate", description=__doc__)
     parser.add_argument("--file", action="append", metavar="F", help="only this source")
     parser.add_argument("--share", type=int, default=1, metavar="N", help="one mutant in N")
+    parser.add_argument(
+        "--cases", type=int, default=100, metavar="N",
+        help="what so many whole runs do not find counts as found by none",
+    )  # fmt: skip
     parser.add_argument("--again", action="store_true", help="only what no run has found yet")
     parser.add_argument("--list", action="store_true", help="show the mutants, run nothing")
     parser.add_argument("--build", type=pathlib.Path, default=ROOT / "build/release")
@@ -44,7 +46,8 @@ class Trials:
     that come by another mutant of the file, as nobody else sees its tables.
     """
 
-    def __init__(self, tests, mutants, folder, jobs):
+    def __init__(self, tests, mutants, folder, jobs, most_cases=0):
+        self._most_cases = most_cases
         self._folder = folder
         self._paths = {each.number: each.path for each in mutants}
         with ThreadPoolExecutor(jobs) as pool:
@@ -103,7 +106,7 @@ class Trials:
             ranks[case.file] += 1
             cases.append((ranks[case.file], self._cost[case], case))
         cases.sort(key=lambda row: row[:2])
-        return units + [case for _, _, case in cases[:MOST_CASES]]
+        return units + [case for _, _, case in cases[: self._most_cases]]
 
 
 def run(options, build, mutants):
@@ -116,7 +119,7 @@ def run(options, build, mutants):
         tests += trials.cases(build.link(tool), devserver, files, options.jobs, certificates)
     print(f"{len(mutants)} mutants, {len(tests)} tests", flush=True)
     begin = time.monotonic()
-    all_trials = Trials(tests, mutants, build.folder, options.jobs)
+    all_trials = Trials(tests, mutants, build.folder, options.jobs, options.cases)
     print(f"all tests pass without a mutant, {time.monotonic() - begin:.0f} s", flush=True)
     with ThreadPoolExecutor(options.jobs) as pool:
         found = []
