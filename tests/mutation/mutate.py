@@ -175,6 +175,7 @@ def main():
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))  # so that the folder goes
     begin = time.monotonic()
     with tempfile.TemporaryDirectory(prefix="akhostmgmt_mutation_") as name:
+        tempfile.tempdir = name  # what the runs leave behind goes with it
         build = programs.Build(ROOT, options.build, pathlib.Path(name))
         if options.list:
             for each in (each for source in sources for each in chosen(build.find(source)[0])):
