@@ -6,6 +6,7 @@ import resource
 import subprocess
 import sys
 import tempfile
+import types
 
 PROGRAM_TESTS = pathlib.Path(__file__).resolve().parent.parent / "program"
 sys.path.insert(0, str(PROGRAM_TESTS))
@@ -95,10 +96,13 @@ class Case:
 
 def cases(tool, devserver, names, jobs, folder):
     """The cases of the files with these names, against `tool`."""
-    words = ["--tool", str(tool), "--devserver", str(devserver), "--jobs", str(jobs)]
-    options = run_cases.argument_parser(__doc__).parse_args(words)
-    folder_of_cases = PROGRAM_TESTS / "cases"
-    files = [(name, case_files.load(folder_of_cases / f"{name}.toml")) for name in names]
+    options = types.SimpleNamespace(
+        tool=str(tool), devserver=str(devserver), make_certificates=None, jobs=jobs, define=[]
+    )
     folder.mkdir()
     stage = run_cases.Stage(options, folder)
-    return [Case(stage, *row) for row in run_cases.chosen_cases(options, files)]
+    found = []
+    for name in names:
+        of_file, texts, files = case_files.load(PROGRAM_TESTS / "cases" / f"{name}.toml")
+        found += [Case(stage, f"{name}: {each['name']}", each, texts, files) for each in of_file]
+    return found
