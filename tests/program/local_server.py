@@ -119,7 +119,9 @@ def close(passed, failed):
 
 def run_unit_tests(description):
     """The main function of a test program that is made of unittest classes."""
-    argument_parser(description).parse_args(namespace=PROGRAMS)
+    parser = argument_parser(description)
+    parser.add_argument("--many", type=int, default=100_000, help="how many hosts many are")
+    parser.parse_args(namespace=PROGRAMS)
     result = unittest.main(argv=sys.argv[:1], exit=False, verbosity=2).result
     failed = len(result.failures) + len(result.errors)
     return close(max(result.testsRun - failed, 0), failed)

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """The tool against the development server: every filter in every format, many hosts, many runs.
 
-    local_server_test.py --tool PATH --devserver PATH
+    local_server_test.py --tool PATH --devserver PATH [--many N]
 
 What is printed is held against a model of the listing, made from the server's own JSON.
 """
@@ -18,7 +18,6 @@ FILTERS = [
     [], ["-approved"], ["-pending"], ["-conflict"], ["-host", "testhost1"], ["-host", "TESTHOST1"],
     ["-host", "büro-rechner-ä"], ["-host", "cluster-vip"],
 ]  # fmt: skip
-MANY = 100_000
 
 
 class EveryListing(unittest.TestCase):
@@ -82,7 +81,7 @@ class EveryListing(unittest.TestCase):
 class ManyHosts(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        cls.server = local_server.Server("--hosts", str(MANY))
+        cls.server = local_server.Server("--hosts", str(local_server.PROGRAMS.many))
         cls.reply = json.loads(cls.server.listing("-json_compact"))
 
     @classmethod
@@ -90,7 +89,7 @@ class ManyHosts(unittest.TestCase):
         assert cls.server.stop() == 0
 
     def test_there_are_as_many(self):
-        self.assertEqual(len(self.reply["hosts"]), MANY)
+        self.assertEqual(len(self.reply["hosts"]), local_server.PROGRAMS.many)
 
     def test_short(self):
         self.assertTrue(
