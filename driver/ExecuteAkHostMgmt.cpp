@@ -2,7 +2,6 @@
 
 #include "arkeon/catalogue.h"
 #include "arkeon/console.h"
-#include "arkeon/memory_shortage.h"
 #include "arkeon/status.h"
 #include "cmdframework/Messages.h"
 #include "cmdframework/Runtimecmd.h"
@@ -142,15 +141,6 @@ int run(const char* directory, int argc, char** argv) {
     return status;
 }
 
-// Takes no memory but for the log. Where there is none for an exception, logging ends the process,
-// with the same line and status.
-int reportMemoryShortage() {
-    commandLog.logit(arkeon::memoryShortageText, logLevel::failure);
-    commandLog.logit("Return value is: 20\n", logLevel::ordinary);
-    arkeon::showMemoryShortage();
-    return arkeon::status::generalFailure;
-}
-
 }  // namespace
 
 int execute_akhostmgmt(int argc, char** argv) {
@@ -164,11 +154,7 @@ int execute_akhostmgmt_in(const char* directory, int argc, char** argv) {
 #ifndef __SANITIZE_ADDRESS__
     keepJsonUntilExit();
 #endif
-    try {
-        return run(directory, argc, argv);
-    } catch (const std::bad_alloc&) {
-        return reportMemoryShortage();
-    }
+    return run(directory, argc, argv);
 }
 
 int shellStatus(int status) {

@@ -2,11 +2,11 @@
 
 /// The whole run: sets up the catalogue and the log, chooses the operation from the command line,
 /// checks and executes it, shows every failure, and logs the result. The one place where the
-/// failures of the framework and the operations are caught, and the lack of memory, which ends the
-/// run with status 20.
+/// failures of the framework and the operations are caught.
 ///
-/// Any other exception leaves it: `std::logic_error` when no primary server is configured ends the
-/// process through the runtime's termination handler.
+/// Any other exception leaves it and ends the process through the termination handler:
+/// `std::logic_error` when no primary server is configured as an abort, `std::bad_alloc` with status
+/// 20 and its text (driver/Termination.h).
 ///
 /// @return 0; 144 for a wrong command line; the status of a run-time failure; else what the
 ///         operation returned. 7651 in place of 0 when standard output could not be written.

@@ -102,7 +102,8 @@ void expectLookUp(int httpStatus, const std::string& reply) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     fuzz::Input input(data, size);
     const unsigned choice = input.byte() % (lookUp + 1);
-    const auto httpStatus = static_cast<int>(100 + (input.byte() * 256 + input.byte()) % 900);
+    const unsigned high = input.byte();
+    const auto httpStatus = static_cast<int>(100 + (high * 256 + input.byte()) % 900);
     if (choice == lookUp) {
         expectLookUp(httpStatus, input.rest());
     } else {

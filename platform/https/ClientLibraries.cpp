@@ -105,10 +105,13 @@ void takeMemoryFunctions() {
 }
 
 /// The environment decides nothing about TLS: libcurl would write the session keys to the file that
-/// SSLKEYLOGFILE names, and OpenSSL would read the configuration that OPENSSL_CONF names. OpenSSL
+/// SSLKEYLOGFILE names, and OpenSSL would read the configuration that OPENSSL_CONF names. Nor does
+/// it decide what a server's name means: HOSTALIASES and LOCALDOMAIN are the resolver's. OpenSSL
 /// need not clear its tables when the process ends, which takes the memory anyway.
 bool makeReady() {
-    unsetenv("SSLKEYLOGFILE");
+    for (const char* variable : {"SSLKEYLOGFILE", "HOSTALIASES", "LOCALDOMAIN"}) {
+        unsetenv(variable);
+    }
     constexpr auto settings = OPENSSL_INIT_NO_LOAD_CONFIG | OPENSSL_INIT_NO_ATEXIT;
     takeMemoryFunctions();
     const bool ready = functions.OPENSSL_init_crypto(settings, nullptr) == 1 &&

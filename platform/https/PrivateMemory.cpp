@@ -1,11 +1,15 @@
 #include "https/PrivateMemory.h"
 
+#include "log/Report.h"
+
 #include <sys/prctl.h>
 
 namespace arkeon {
 
 void keepMemoryPrivate() {
-    prctl(PR_SET_DUMPABLE, 0);
+    if (prctl(PR_SET_DUMPABLE, 0) != 0) {
+        report({"the process's memory cannot be made private"});
+    }
 }
 
 }  // namespace arkeon

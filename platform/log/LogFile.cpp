@@ -72,7 +72,8 @@ private:
 };
 
 /// Takes back the piece of a line, `size` bytes, that went to a full disk, unless another run's
-/// line follows it.
+/// line follows it. A line that comes in between the look and the cut is lost; on a full disk there
+/// is hardly one.
 /// @return whether it is gone
 bool takeBack(int descriptor, off_t size) {
     struct stat facts {};

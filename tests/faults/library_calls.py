@@ -33,11 +33,12 @@ CANNOT_FAIL = {
     "the compiler's and the C library's own": """
         _ITM_deregisterTMCloneTable _ITM_registerTMCloneTable __gmon_start__ __cxa_atexit
         __cxa_finalize __libc_start_main __stack_chk_fail _dl_find_object __isoc23_strtoul""",
+    "gives the one C locale, which is always there": "newlocale",
     "of the C++ library: other locales and wide characters, which the program does not use": """
         __ctype_get_mb_cur_max __duplocale __freelocale __iswctype_l __newlocale __nl_langinfo_l
         __strcoll_l __strftime_l __strtod_l __strtof_l __strxfrm_l __towlower_l __towupper_l
         __uselocale __wcscoll_l __wcsftime_l __wcsxfrm_l __wctype_l btowc gettext iconv iconv_close
-        iconv_open mbrtowc mbsnrtowcs mbsrtowcs newlocale sprintf strtold_l uselocale wcrtomb wcscmp
+        iconv_open mbrtowc mbsnrtowcs mbsrtowcs sprintf strtold_l uselocale wcrtomb wcscmp
         wcslen wcsnrtombs wctob wmemchr wmemcpy wmemmove wmemset""",
     "of the C++ library: what it prints when the process is aborted": "fputc fputs fwrite stderr",
 }

@@ -1,5 +1,6 @@
 #include "platform/HttpsFixture.h"
 
+#include <cstdlib>
 #include <gmock/gmock.h>
 
 using support::ScopedVariable;
@@ -142,6 +143,14 @@ TEST_F(HttpsRequestTest, SessionKeysAreNotWrittenWhateverTheEnvironmentSays) {
     const ScopedVariable variable("SSLKEYLOGFILE", keys);
     ASSERT_EQ(client_.Get("hosts"), 0);
     EXPECT_FALSE(std::filesystem::exists(keys));
+}
+
+TEST_F(HttpsRequestTest, EnvironmentDoesNotSayWhatANameMeans) {
+    const ScopedVariable aliases("HOSTALIASES", root_.file("aliases"));
+    const ScopedVariable domain("LOCALDOMAIN", "elsewhere.example");
+    ASSERT_EQ(client_.Get("hosts"), 0);
+    EXPECT_EQ(std::getenv("HOSTALIASES"), nullptr);
+    EXPECT_EQ(std::getenv("LOCALDOMAIN"), nullptr);
 }
 
 TEST_F(HttpsRequestTest, NetrcIsNotRead) {

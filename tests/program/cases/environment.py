@@ -41,9 +41,6 @@ VARIABLES = {
     "ftp_proxy": ELSEWHERE,
     "no_proxy": "",
     "REQUEST_METHOD": "GET",
-    "HOSTALIASES": HOME + "/aliases",
-    "LOCALDOMAIN": "elsewhere.example",
-    "RES_OPTIONS": "attempts:9",
     "TMPDIR": HOME,
     "MALLOC_TRACE": HOME + "/allocations",
 }
