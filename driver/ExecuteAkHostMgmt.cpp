@@ -122,6 +122,7 @@ int run(const char* directory, int argc, char** argv) {
     try {
         char** copy = copyArguments(argc, argv, strdup);
         commandLog.init(directory, commandName, loggingSubDirectory, nullptr);
+        openCatalogue(locale);
         const CArgscmd args(argc, copy);
         if (isTopLevelHelp(argc, args)) {
             printHelp();

@@ -70,6 +70,13 @@ int zvgetlocaleEx(zvlocale* locale, int* status) {
     return *status;
 }
 
+void openCatalogue(const zvlocale& locale) {
+    if (arkeon::mayLookUp(locale)) {
+        arkeon::useLanguage(locale);
+        dgettext(arkeon::domain, "");  // the catalogue's own head
+    }
+}
+
 int zvgetmsg(
     const char* id, const zvlocale& locale, char* buffer, unsigned long size,
     const char* defaultText, ...) {

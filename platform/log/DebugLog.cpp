@@ -3,16 +3,21 @@
 #include "log/LogFile.h"
 #include "log/LogLine.h"
 
+#include <array>
 #include <cerrno>
+#include <cstddef>
 #include <exception>
+#include <new>
 #include <unistd.h>
 
 namespace arkeon {
 namespace {
 
 /// Never destroyed: objects that live until the process ends write and close the log last of all.
+/// Takes no memory, the lack of which is logged, too.
 LogFile& debugLog() {
-    static LogFile& file = *new LogFile;
+    alignas(LogFile) static std::array<std::byte, sizeof(LogFile)> place;
+    static LogFile& file = *new (place.data()) LogFile;
     return file;
 }
 

@@ -50,10 +50,9 @@ def may_end_by_signal(outcome, clean, fault, translated):
     if not fault or outcome.status != -signal.SIGSEGV or outcome.out:
         return False
     # The system's loader does not look whether it got its first memory. gettext does not when it
-    # opens the character set of a catalogue, which is for the message about what was done.
-    all_done = outcome.requests == clean.first.requests
-    opening = translated and all_done and fault.call == "allocation"
-    return opening or fault.loading and not outcome.requests
+    # opens the character set of a catalogue, which the tool has it do first of all.
+    opening = translated and fault.call == "allocation"
+    return (opening or fault.loading) and not outcome.requests
 
 
 def is_silent(outcome, own_mappings):

@@ -95,13 +95,15 @@ class WrongTool(ToolTest):
         self.assertEqual(self.found("kill -SEGV $$", loading), [])
         self.assertEqual(self.found("echo x; kill -SEGV $$", loading), ["ended by SIGSEGV"])
 
-    def test_a_crash_is_permitted_to_gettext_alone_and_after_the_requests(self):
-        for call, translated, expected in (
-            ("allocation", True, []), ("allocation", False, ["ended by SIGSEGV"]),
-            ("library_allocation", True, ["ended by SIGSEGV"]),
+    def test_a_crash_is_permitted_to_gettext_alone_and_before_the_requests(self):
+        crash = ["ended by SIGSEGV"]
+        for call, translated, requests, expected in (
+            ("allocation", True, [], []), ("allocation", False, [], crash),
+            ("library_allocation", True, [], crash),
+            ("allocation", True, self.clean.first.requests, crash),
         ):  # fmt: skip
             outcome = scenes.Outcome(-11, b"", b"")
-            outcome.requests = self.clean.first.requests
+            outcome.requests = requests
             fault = faults.Fault("allocation", call, 331, False)
             found = verdict.problems(
                 outcome, self.clean, self.scene.token, fault, translated=translated

@@ -16,6 +16,10 @@ struct zvlocale {
 /// @return 0; `*status` is set to the same
 int zvgetlocaleEx(zvlocale* locale, int* status);
 
+/// Opens the catalogue of this locale, as the first text would otherwise. To be called before
+/// anything is done that has to be reported: the C library ends a process that has no memory for it.
+void openCatalogue(const zvlocale& locale);
+
 /// Writes the text of message `id`, formatted printf-style with the arguments, into `buffer`; cut
 /// to `size` - 1 bytes without splitting a UTF-8 letter, always terminated. The text is the
 /// catalogue's for the context `id` and the key `defaultText`; `defaultText` itself when there is
