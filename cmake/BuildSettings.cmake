@@ -36,6 +36,11 @@ target_link_options(akhostmgmt_program INTERFACE
   $<$<NOT:$<BOOL:${AKHOSTMGMT_SANITIZE}>>:-static-libstdc++ -static-libgcc>
   -Wl,--gc-sections)
 
+# For tests, whose own code need not be fast: half the time to compile, lines in a backtrace.
+add_library(akhostmgmt_test_settings INTERFACE)
+target_compile_options(akhostmgmt_test_settings INTERFACE
+  $<$<CONFIG:RelWithDebInfo,Release>:-O1> -g1)
+
 add_library(akhostmgmt_settings INTERFACE)
 target_link_libraries(akhostmgmt_settings INTERFACE
   akhostmgmt_warnings
