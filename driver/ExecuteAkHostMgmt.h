@@ -5,8 +5,8 @@
 /// failures of the framework and the operations are caught.
 ///
 /// Any other exception leaves it and ends the process through the termination handler:
-/// `std::logic_error` when no primary server is configured as an abort, `std::bad_alloc` with status
-/// 20 and its text (driver/Termination.h).
+/// `std::logic_error` when no primary server is configured as an abort, `std::bad_alloc` with
+/// status 20 and its text (driver/Termination.h).
 ///
 /// @return 0; 144 for a wrong command line; the status of a run-time failure; else what the
 ///         operation returned. 7651 in place of 0 when standard output could not be written.

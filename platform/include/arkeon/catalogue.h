@@ -17,7 +17,8 @@ struct zvlocale {
 int zvgetlocaleEx(zvlocale* locale, int* status);
 
 /// Opens the catalogue of this locale, as the first text would otherwise. To be called before
-/// anything is done that has to be reported: the C library ends a process that has no memory for it.
+/// anything is done that has to be reported: the C library ends a process that has no memory for
+/// it.
 void openCatalogue(const zvlocale& locale);
 
 /// Writes the text of message `id`, formatted printf-style with the arguments, into `buffer`; cut
