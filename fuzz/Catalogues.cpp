@@ -5,8 +5,8 @@
 #include "catalogue/CatalogueFile.h"
 #include "fuzz/Input.h"
 #include "fuzz/Property.h"
+#include "fuzz/Root.h"
 #include "support/Environment.h"
-#include "support/TempDir.h"
 
 #include <array>
 #include <cerrno>
@@ -18,13 +18,10 @@ using fuzz::expect;
 
 namespace {
 
-/// A root folder with the catalogue of one language, which is asked for.
-const support::TempDir& root() {
-    static const support::TempDir folder;
-    static const support::ScopedVariable variable("ARKEON_ROOT", folder.path());
+/// Asks for the one language that has a catalogue.
+void chooseLanguage() {
     static const support::ScopedVariable all("LC_ALL", "C.UTF-8");
     static const support::ScopedVariable language("LANGUAGE", "xx");
-    return folder;
 }
 
 void lookUp(const char* id, const char* text) {
@@ -68,7 +65,8 @@ void lookUpAlone() {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string bytes = fuzz::Input(data, size).rest();
     if (arkeon::isSoundCatalogue(bytes)) {
-        root().write("locale/xx/LC_MESSAGES/akhostmgmt.mo", bytes);
+        chooseLanguage();
+        fuzz::root().write("locale/xx/LC_MESSAGES/akhostmgmt.mo", bytes);
         lookUpAlone();
     }
     return 0;

@@ -5,20 +5,13 @@
 #include "config/CertificateInfo.h"
 #include "fuzz/Input.h"
 #include "fuzz/Property.h"
-#include "support/Environment.h"
-#include "support/TempDir.h"
+#include "fuzz/Root.h"
 
 #include <array>
 
 using fuzz::expect;
 
 namespace {
-
-const support::TempDir& root() {
-    static const support::TempDir folder;
-    static const support::ScopedVariable variable("ARKEON_ROOT", folder.path());
-    return folder;
-}
 
 void expectRow(const arkeon::CertificateRow& row) {
     for (const std::string& text : {row.hostId, row.certificate, row.privateKey, row.authorities}) {
@@ -41,7 +34,7 @@ void expectHostId(int type, int result, const std::string& hostId) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    root().write("etc/certificates.toml", fuzz::Input(data, size).rest());
+    fuzz::root().write("etc/certificates.toml", fuzz::Input(data, size).rest());
     for (const int type : {1, 2}) {
         arkeon::CertificateRow row;
         const int result = arkeon::findCertificateRow(type, "p", row);

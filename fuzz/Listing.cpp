@@ -6,12 +6,11 @@
 #include "fuzz/ListingModel.h"
 #include "fuzz/Output.h"
 #include "fuzz/Property.h"
+#include "fuzz/Root.h"
 #include "hostmgmt/AkHostMgmtList.h"
 #include "support/CommandLine.h"
-#include "support/Environment.h"
 #include "support/FakeClient.h"
 #include "support/StatusLines.h"
-#include "support/TempDir.h"
 
 #include <iterator>
 
@@ -37,9 +36,7 @@ const Query queries[] = {
 
 /// The local host's ID, which -apvmappings asks for.
 void setUpIdentity() {
-    static const support::TempDir root;
-    static const support::ScopedVariable variable("ARKEON_ROOT", root.path());
-    static const std::string file = root.write(
+    static const std::string file = fuzz::root().write(
         "etc/certificates.toml", "[[certificate]]\ntype = \"host\"\nserver = \"p\"\n"
                                  "host_id = \"i\"\ncertificate = \"c\"\nprivate_key = \"k\"\n"
                                  "ca = \"a\"\n");

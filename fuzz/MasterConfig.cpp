@@ -5,18 +5,11 @@
 #include "arkeon/text.h"
 #include "fuzz/Input.h"
 #include "fuzz/Property.h"
-#include "support/Environment.h"
-#include "support/TempDir.h"
+#include "fuzz/Root.h"
 
 using fuzz::expect;
 
 namespace {
-
-const support::TempDir& root() {
-    static const support::TempDir folder;
-    static const support::ScopedVariable variable("ARKEON_ROOT", folder.path());
-    return folder;
-}
 
 void expectRead(const MasterConfig& config) {
     const PrimaryServerRecord* record = config.primary_server;
@@ -29,7 +22,7 @@ void expectRead(const MasterConfig& config) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    root().write("etc/master.toml", fuzz::Input(data, size).rest());
+    fuzz::root().write("etc/master.toml", fuzz::Input(data, size).rest());
     const MasterConfig* before = get_master_config_ptr();
     if (AK_read_master_config() == arkeon::status::success) {
         expectRead(*get_master_config_ptr());

@@ -122,10 +122,19 @@ def _content(path):
     return tomllib.loads(path.read_text())
 
 
+def _shared():
+    return tomllib.loads((FOLDER / "defaults.toml").read_text())
+
+
+def shared_text(name):
+    """One of the texts that all files of cases have."""
+    return Texts(_shared()["texts"], FOLDER).string(f"{{text:{name}}}", {})
+
+
 def load(path):
     """A file's cases with the defaults laid under them, their texts, and every run's files."""
     path = pathlib.Path(path)
-    shared = tomllib.loads((FOLDER / "defaults.toml").read_text())
+    shared = _shared()
     own = _content(path)
     _check_keys(own, {"defaults", "texts", "case", "factor", "product"}, path.name)
     defaults = _merge(shared["defaults"], own.get("defaults", {}))

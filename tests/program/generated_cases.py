@@ -3,11 +3,6 @@
 LIST = "/arkeon/config/hosts/hostmappings"
 LOOKUP = LIST + "?mappedhostname=h"
 LOOKED_UP = '{"hosts":[{"uuid":"u"}]}'
-ASKED_FIRST = (
-    "It is not recommended to manually add a host except for specific scenarios. For more details, "
-    "refer to the Adding a Arkeon host manually section from the Arkeon Security and Encryption "
-    "Guide.\nDo you really want to add a host? (y/n): "
-)
 
 
 class Operation:
@@ -69,7 +64,7 @@ LOOKUPS = [
 ]  # fmt: skip
 ADD_HOST = Operation("-addhost", ["-addhost", "-host", "h"], [{
     "method": "POST", "target": "/arkeon/config/hosts/", "body": '{"hostName":"h"}',
-}], asked=ASKED_FIRST)  # fmt: skip
+}], asked="{text:asked}")  # fmt: skip
 # One for each kind of request.
 REQUESTS = [LISTING, OWN, LOOKUPS[0], ADD, DELETE, REISSUE, ADD_HOST]
 

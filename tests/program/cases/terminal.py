@@ -6,14 +6,16 @@ characters and bytes that are no UTF-8 in visible form, a pipe gets the exact by
 
 import json
 
+import case_files
 import generated_cases
 import hostile_content as content
 import listing_model
 from generated_cases import (
-    ADD, ADD_HOST, ASKED_FIRST, CHANGES, DELETE, FILTERED, LISTING, ONE_HOST, OWN, Operation,
+    ADD, ADD_HOST, CHANGES, DELETE, FILTERED, LISTING, ONE_HOST, OWN, Operation,
     binary, failure,
 )  # fmt: skip
 
+ASKED = case_files.shared_text("asked")
 STREAMS = ([], ["stdout"], ["stderr"], ["stdout", "stderr"])
 C0 = [chr(code) for code in range(1, 0x20)]
 C1 = [chr(code) for code in range(0x80, 0xA0)]
@@ -147,9 +149,9 @@ def announced():
         "requests": [{**ADD_HOST.requests[0], "body": binary(body)}],
     }  # fmt: skip
     text = b"The host " + name + b" is added in the host database\n"
-    yield from on_streams(host, ASKED_FIRST.encode() + text)
+    yield from on_streams(host, ASKED.encode() + text)
     keyboard = host | {"name": "-addhost: name, typed", "dialogue": [["(y/n): ", "y\n"]]}
-    for case in on_streams(keyboard, ASKED_FIRST.encode() + text):
+    for case in on_streams(keyboard, ASKED.encode() + text):
         yield case | {"tty": [*case["tty"], "stdin"]}
 
 
@@ -206,7 +208,7 @@ def translated():
     """Texts of the catalogue with every control character: prompts, failures, labels."""
     extra = surrounded(CONTROLS)
     rows = [[context, english, f"{english}<{extra}>"] for context, english in (
-        ("SmeHmm0057N", ASKED_FIRST.split(". ")[0] + "."),
+        ("SmeHmm0057N", ASKED.split(". ")[0] + "."),
         ("SmeHmm0059N", "Do you really want to add a host? (y/n): "),
         ("SmeHmm0060N", "Please type 'y' for yes or 'n' for no: "),
         ("SmeHmm0017N", "Mappings for the specified option do not exist."),
@@ -217,7 +219,7 @@ def translated():
     texts = {context: text for context, _, text in rows}
     files = [{"path": "root/locale/de/LC_MESSAGES/akhostmgmt.mo", "catalogue": rows}]
     language = {"files": files, "environment": {"LANGUAGE": "de"}}
-    where = ASKED_FIRST.split(".", 1)[1].split("\n")[0]
+    where = ASKED.split(".", 1)[1].split("\n")[0]
     asked = f"{texts['SmeHmm0057N']}{where}\n{texts['SmeHmm0059N']}{texts['SmeHmm0060N']}"
     dialogue = {"name": "prompts", "args": ADD_HOST.args, "requests": [], "stdin": "?\nn\n"}
     yield from on_streams(dialogue | language, asked.encode())
