@@ -1,7 +1,10 @@
 """What the programs among the case files share: every operation with the request it is about."""
 
+import case_files
+
 LIST = "/arkeon/config/hosts/hostmappings"
 LOOKUP = LIST + "?mappedhostname=h"
+ASKED = case_files.shared_text("asked")
 LOOKED_UP = '{"hosts":[{"uuid":"u"}]}'
 
 
@@ -64,7 +67,7 @@ LOOKUPS = [
 ]  # fmt: skip
 ADD_HOST = Operation("-addhost", ["-addhost", "-host", "h"], [{
     "method": "POST", "target": "/arkeon/config/hosts/", "body": '{"hostName":"h"}',
-}], asked="{text:asked}")  # fmt: skip
+}], asked=ASKED)  # fmt: skip
 # One for each kind of request.
 REQUESTS = [LISTING, OWN, LOOKUPS[0], ADD, DELETE, REISSUE, ADD_HOST]
 

@@ -6,16 +6,14 @@ characters and bytes that are no UTF-8 in visible form, a pipe gets the exact by
 
 import json
 
-import case_files
 import generated_cases
 import hostile_content as content
 import listing_model
 from generated_cases import (
-    ADD, ADD_HOST, CHANGES, DELETE, FILTERED, LISTING, ONE_HOST, OWN, Operation,
+    ADD, ADD_HOST, ASKED, CHANGES, DELETE, FILTERED, LISTING, ONE_HOST, OWN, Operation,
     binary, failure,
 )  # fmt: skip
 
-ASKED = case_files.shared_text("asked")
 STREAMS = ([], ["stdout"], ["stderr"], ["stdout", "stderr"])
 C0 = [chr(code) for code in range(1, 0x20)]
 C1 = [chr(code) for code in range(0x80, 0xA0)]
