@@ -52,6 +52,11 @@ public:
     /// Logs the program's name, the command and its options.
     void logParameters() const;
 
+    /// The options that the command accepts.
+    const CParameterscmd& parameters() const {
+        return params;
+    }
+
 protected:
     std::string name;  ///< the command's option, without "-"
     CArgscmd args;

@@ -11,12 +11,6 @@
 
 namespace {
 
-/// One operation: the option that chooses it and the class that performs it.
-struct Operation {
-    OptionName option;
-    std::unique_ptr<CBasecmd> (*make)(const CArgscmd& args, CLogcmd& log);
-};
-
 template <typename Class>
 std::unique_ptr<CBasecmd> make(const CArgscmd& args, CLogcmd& log) {
     return std::make_unique<Class>(args, log);
@@ -43,8 +37,12 @@ constexpr void (*synopses[])() = {
 
 }  // namespace
 
+std::span<const Operation> allOperations() {
+    return operations;
+}
+
 std::unique_ptr<CBasecmd> chooseOperation(const CArgscmd& args, CLogcmd& log) {
-    for (const Operation& row : operations) {
+    for (const Operation& row : allOperations()) {
         if (isOn(args, row.option)) {
             return row.make(args, log);
         }
