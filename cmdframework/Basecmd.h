@@ -53,9 +53,7 @@ public:
     void logParameters() const;
 
     /// The options that the command accepts.
-    const CParameterscmd& parameters() const {
-        return params;
-    }
+    const CParameterscmd& parameters() const { return params; }
 
 protected:
     std::string name;  ///< the command's option, without "-"
