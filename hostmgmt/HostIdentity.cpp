@@ -48,7 +48,7 @@ std::string AkHostMgmtBaseOption::getMasterServer() {
         operationLog.logit(text.data(), logLevel::failure);
         // Ends the run: without a primary server there is nobody to talk to, and nothing catches
         // this.
-        throw std::logic_error("no primary server is configured");
+        throw std::logic_error(getECMessage(arkeon::status::noPrimaryServer));
     }
     return get_master_config_ptr()->primary_server->name;
 }

@@ -1,3 +1,4 @@
+#include "arkeon/status.h"
 #include "cmdframework/Messages.h"
 #include "support/Environment.h"
 #include "support/FakeClient.h"
@@ -62,7 +63,7 @@ TEST(GetMasterServer, WithoutAPrimaryServerTheReasonIsShownAndALogicErrorEndsThe
                 reason = failure.what();
             }
         });
-        EXPECT_EQ(reason, "no primary server is configured");
+        EXPECT_EQ(reason, getECMessage(arkeon::status::noPrimaryServer));
         EXPECT_EQ(printed.err, std::string(text) + "\n") << config;
         EXPECT_TRUE(TestOperation::logged(std::string("16 ") + text));
     }
