@@ -99,7 +99,8 @@ constexpr std::array statusTexts{
         "The HTTPS client failed; the debug log tells the reason."),
     statusText(
         status::noCertificateRow, "Status7640",
-        "There is no certificate information for this server; enrol this host with it first."),
+        "There is no certificate information for this server; check its name, or enrol this host "
+        "with it first."),
     statusText(
         status::malformedCertificateInfo, "Status7641",
         "The certificate information cannot be read or is malformed; the debug log tells where."),
@@ -110,7 +111,7 @@ constexpr std::array statusTexts{
     statusText(
         status::openPrivateKey, "Status7643",
         "The private key's permissions are too open; only its owner may write it and only its "
-        "group may read it."),
+        "group may read it (the debug log names the file)."),
     statusText(
         status::hostIdBufferTooSmall, "Status7644",
         "The host ID in the certificate information is too long."),
@@ -143,7 +144,8 @@ const char* unknownStatus(int status, const zvlocale& locale) {
     static std::array<char, 512> buffer;
     zvgetmsg(
         "StatusUnknown", locale, buffer.data(), buffer.size(),
-        "The operation failed with status %d; the server's documentation may explain this code.",
+        "The operation failed with status %d; the debug log has the server's message, and the "
+        "server's documentation may explain this code.",
         status);
     return buffer.data();
 }

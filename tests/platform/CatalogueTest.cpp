@@ -246,7 +246,8 @@ TEST_F(CatalogueTest, StatusTextsAreTranslated) {
     const std::string english = getECmsgl(arkeon::status::unreadableReply, zvlocale{"C", "C"});
     add("Status7610", english, "Unverständliche Antwort, 100 % sicher.");
     add("StatusUnknown",
-        "The operation failed with status %d; the server's documentation may explain this code.",
+        "The operation failed with status %d; the debug log has the server's message, and the "
+        "server's documentation may explain this code.",
         "Status %d");
     compile();
     EXPECT_STREQ(getECmsgl(7610, locale_), "Unverständliche Antwort, 100 % sicher.");

@@ -52,6 +52,11 @@ def _status_texts():
     return texts
 
 
+def status_text(code, texts=_status_texts()):
+    """The text of a status code."""
+    return texts.get(str(code)) or texts["Unknown"].replace("%d", str(code))
+
+
 class Texts:
     """Builds the bytes of a text value: a string with placeholders, a table, or a list of both."""
 
@@ -60,7 +65,6 @@ class Texts:
     def __init__(self, named, folder):
         self._named = named
         self._folder = folder
-        self._statuses = _status_texts()
 
     def bytes(self, value, known):
         """The bytes of `value`; `known` has the placeholders of this run, such as "server"."""
@@ -85,8 +89,7 @@ class Texts:
             if kind == "text":
                 return self.bytes(self._named[argument], known).decode()
             if kind == "status":
-                row = self._statuses.get(argument)
-                return row or self._statuses["Unknown"].replace("%d", argument)
+                return status_text(argument)
         except KeyError:
             raise CaseError(f"nothing is known for {match[0]}") from None
         return known.get(kind, match[0])

@@ -1,26 +1,17 @@
 """What a run of the tool prints and returns, modelled on a `HostModel` in the server's place."""
 
-import pathlib
 import re
 import urllib.parse
 from dataclasses import dataclass
 
+import case_files
 import command_line_model as line
 import listing_model
 from host_model import COLLECTION, Refused, text
 
-STATUS_PAGE = pathlib.Path(__file__).resolve().parents[2] / "docs" / "statuses.md"
 OWN_HOST_ID = "0a0aa0a0-0000-0aa0-aa00-000a0a00a0a0"
-UNKNOWN_STATUS = "The operation failed with status {}; the server's documentation may explain \
-this code."
 NOT_SENDABLE = re.compile("[\0-\x20\x7f]")
 
-WARNING = (
-    "It is not recommended to manually add a host except for specific scenarios. For more details, "
-    "refer to the Adding a Arkeon host manually section from the Arkeon Security and Encryption "
-    "Guide.\n"
-)
-PROMPT = "Do you really want to add a host? (y/n): "
 PROMPT_AGAIN = "Please type 'y' for yes or 'n' for no: "
 REISSUE_TEXTS = [
     ("This option resets the auto reissue certificate parameter. You will require a reissue token "
@@ -38,22 +29,13 @@ LOGIN_NEEDED = "Authorization failed. A web login is required. Run the 'akauth -
 WEB|APIKEY' command to login.\n"
 
 
-def _status_texts():
-    row = re.compile(r"\| (\d+) \| \d+ \| (.*) \|")
-    rows = map(row.fullmatch, STATUS_PAGE.read_text().splitlines())
-    return {int(match[1]): match[2] for match in rows if match}
-
-
-STATUS_TEXTS = _status_texts()
-
-
 def shell_status(status):
     """What a shell sees: eight bits, which are never 0 for a failure."""
     return status % 256 or (255 if status else 0)
 
 
 def status_line(code, sentence=None):
-    sentence = sentence or STATUS_TEXTS.get(code) or UNKNOWN_STATUS.format(code)
+    sentence = sentence or case_files.status_text(code)
     return f"Exit Status {code}: {sentence}\n"
 
 
@@ -196,7 +178,7 @@ class ToolModel:
 
     def _confirmed(self, stdin):
         """Asks until there is an answer; the end of the input is a yes to all but a no."""
-        self._printed = WARNING + PROMPT
+        self._printed = case_files.shared_text("asked")
         *lines, last = stdin.split(b"\n")
         for answer in lines:
             if answer.lower() in (b"y", b"yes", b"n", b"no"):
