@@ -1,68 +1,30 @@
-// Prints the tables of the tool as one JSON object.
+// Prints a table of the tool as one JSON object.
 
-#include "driver/Operations.h"
+#include "tables/Tables.h"
 
 #include <cstdio>
 #include <jansson.h>
+#include <string_view>
 
 namespace {
 
-const char* nameOf(parameterTypes type) {
-    switch (type) {
-    case parameterTypes::none:
-        return "none";
-    case parameterTypes::string:
-        return "string";
-    case parameterTypes::path:
-        return "path";
-    case parameterTypes::unsignedInteger:
-        return "unsigned";
-    }
-    return "";
-}
-
-json_t* valuesOf(const PARAMETERS& row) {
-    json_t* values = json_array();
-    for (std::uint32_t i = 0; i < row.allowedCount; ++i) {
-        json_array_append_new(values, json_string(row.allowedValues[i].text));
-    }
-    return values;
-}
-
-json_t* describe(const PARAMETERS& row) {
-    return json_pack(
-        "{s:s, s:s, s:s, s:o}", "name", row.name.c_str(), "alias", row.alias.c_str(), "type",
-        nameOf(row.type), "values", valuesOf(row));
-}
-
-json_t* describe(const Operation& operation) {
-    CLogcmd log;
-    const std::unique_ptr<CBasecmd> command = operation.make(CArgscmd(), log);
-    json_t* options = json_array();
-    for (const auto& [id, row] : command->parameters()) {
-        json_array_append_new(options, describe(row));
-    }
-    return json_pack(
-        "{s:s, s:s, s:o}", "name", operation.option.name, "alias", operation.option.alias,
-        "options", options);
-}
-
-json_t* describeOperations() {
-    json_t* list = json_array();
-    for (const Operation& row : allOperations()) {
-        json_array_append_new(list, describe(row));
-    }
-    return list;
+bool print(json_t* table) {
+    const bool written = json_dumpf(table, stdout, JSON_INDENT(2)) == 0 && std::puts("") >= 0 &&
+                         std::fflush(stdout) == 0;
+    json_decref(table);
+    return written;
 }
 
 }  // namespace
 
-int main() {
-    json_t* tables = json_pack(
-        "{s:o, s:{s:s, s:s}}", "operations", describeOperations(), "help", "name",
-        operation::help.name, "alias", operation::help.alias);
-    const bool written = json_dumpf(tables, stdout, JSON_INDENT(2)) == 0 && std::puts("") >= 0 &&
-                         std::fflush(stdout) == 0;
-    json_decref(tables);
-    return written ? 0 : 1;
+int main(int argc, char** argv) {
+    const std::string_view wanted = argc == 2 ? argv[1] : "";
+    if (wanted == "operations") {
+        return print(operationTables()) ? 0 : 1;
+    }
+    if (wanted == "statuses") {
+        return print(statusTables()) ? 0 : 1;
+    }
+    std::fputs("usage: akhostmgmt_tables operations | statuses\n", stderr);
+    return 2;
 }

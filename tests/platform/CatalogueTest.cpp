@@ -1,6 +1,7 @@
 #include "arkeon/catalogue.h"
 
 #include "arkeon/status.h"
+#include "arkeon/status_table.h"
 #include "catalogue/Placeholders.h"
 #include "support/Environment.h"
 #include "support/TempDir.h"
@@ -13,6 +14,7 @@
 #include <gtest/gtest.h>
 #include <regex>
 #include <set>
+#include <vector>
 
 using arkeon::placeholdersFit;
 using support::ScopedVariable;
@@ -283,6 +285,34 @@ TEST(StatusTexts, EveryCodeHasOneSentenceOfItsOwn) {
         EXPECT_TRUE(seen.insert(text).second) << code << ' ' << text;
         EXPECT_EQ(text.find("status"), std::string::npos) << code << ' ' << text;
     }
+}
+
+TEST(StatusTable, HasARowForEveryCodeInAscendingOrder) {
+    std::vector<int> codes;
+    for (const arkeon::StatusText& row : arkeon::statusTable()) {
+        codes.push_back(row.code);
+        EXPECT_EQ(row.context, "Status" + std::to_string(row.code));
+        EXPECT_STREQ(row.sentence, getECmsgl(row.code, zvlocale{"C", "C"}));
+    }
+    EXPECT_THAT(codes, testing::ElementsAreArray(declaredCodes()));
+}
+
+std::set<int> codesWith(arkeon::Retry retry) {
+    std::set<int> codes;
+    for (const arkeon::StatusText& row : arkeon::statusTable()) {
+        if (row.retry == retry) {
+            codes.insert(row.code);
+        }
+    }
+    return codes;
+}
+
+TEST(StatusTable, ARetryIsAdvisedOnlyWhereNothingReachedTheServer) {
+    EXPECT_EQ(codesWith(arkeon::Retry::yes), (std::set{7620, 7621}));
+}
+
+TEST(StatusTable, AChangeIsInDoubtWhereTheRequestMayHaveReachedTheServer) {
+    EXPECT_EQ(codesWith(arkeon::Retry::check), (std::set{20, 7610, 7622, 7625, 7628, 7629, 7651}));
 }
 
 TEST(StatusTexts, UnknownCodeIsNamed) {

@@ -73,15 +73,18 @@ class Server:
         finally:
             self._temporary.cleanup()
 
-    def run(self, *arguments, stdin=b"", environment=None):
-        """Runs the tool with these arguments, which may be bytes."""
-        variables = {
+    def variables(self):
+        """The environment in which the tool finds this server."""
+        return {
             "ARKEON_ROOT": self.root, "XDG_CONFIG_HOME": self.root / "config",
             "AK_TEST_LOG_DIRECTORY": self.logs.parent, "LC_ALL": "C.UTF-8", "TZ": "UTC0",
             "PATH": os.environ["PATH"],
         }  # fmt: skip
+
+    def run(self, *arguments, stdin=b"", environment=None):
+        """Runs the tool with these arguments, which may be bytes."""
         return subprocess.run(
-            [PROGRAMS.tool, *arguments], env=variables | (environment or {}), input=stdin,
+            [PROGRAMS.tool, *arguments], env=self.variables() | (environment or {}), input=stdin,
             capture_output=True, timeout=240)  # fmt: skip
 
     def listing(self, *options):
