@@ -15,6 +15,11 @@ import unittest
 PROGRAMS = argparse.Namespace(tool="", devserver="")
 
 
+def random_address(generator=random.Random()):
+    """A loopback address that most likely nobody uses; a test may have seeded the common generator."""
+    return "127." + ".".join(str(generator.randint(1, 254)) for _ in range(3))
+
+
 class Server:
     """A development server on a loopback address of its own.
 
@@ -26,7 +31,6 @@ class Server:
         self.folder = pathlib.Path(self._temporary.name)
         self.root = self.folder / "root"
         self.logs = self.folder / "logs" / "admin"
-        self._random = random.Random()  # not the one that a test may have seeded
         try:
             self._start_somewhere(options)
         except BaseException:
@@ -35,8 +39,7 @@ class Server:
 
     def _start_somewhere(self, options):
         for _ in range(20):
-            numbers = (str(self._random.randint(1, 254)) for _ in range(3))
-            self.address = "127." + ".".join(numbers)
+            self.address = random_address()
             if self.start(*options):
                 return
         raise RuntimeError("no development server could be started")
