@@ -10,6 +10,7 @@ namespace {
 
 constexpr std::string_view base = "/arkeon/config/hosts";
 
+/// Thrown where the address cannot be decoded or says something unknown.
 struct Malformed {};
 
 std::string decoded(std::string_view text) {

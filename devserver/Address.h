@@ -10,6 +10,7 @@ namespace devserver {
 /// What a request target names. Path segments are taken as they were sent and decoded one by
 /// one: a dot segment or an encoded slash is part of a name like any other byte.
 struct Address {
+    /// The kinds of resources; `listing` is `hostmappings`, `ownMappings` a host's approved ones.
     enum class Resource { unknown, hosts, listing, host, comment, mapping, ownMappings };
 
     Resource resource = Resource::unknown;

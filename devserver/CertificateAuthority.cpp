@@ -18,6 +18,7 @@ namespace devserver {
 
 namespace {
 
+/// Gives an object of OpenSSL back by its own function.
 template <auto release>
 struct Release {
     template <typename T>
@@ -194,6 +195,7 @@ void sign(X509* certificate, EVP_PKEY* key) {
 
 }  // namespace
 
+/// The authority itself: its certificate and its key.
 struct CertificateAuthority::Parts {
     CertificatePtr certificate;
     KeyPtr key;

@@ -103,6 +103,7 @@ void setHostile(Fault& fault, std::string_view argument) {
 
 /// An action of a request's rule: does it need an argument, may it have one, what does it do.
 struct Action {
+    /// Whether something stands behind the action's name.
     enum class Argument { none, optional, required };
     std::string_view name;
     Argument argument;

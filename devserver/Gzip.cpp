@@ -7,6 +7,7 @@
 
 namespace devserver {
 
+/// zlib's state, which the header does not show.
 struct Gzip::Stream {
     z_stream state{};
 };

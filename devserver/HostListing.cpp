@@ -67,6 +67,7 @@ void bindName(sqlite::Statement& statement, const HostFilter& filter) {
 
 }  // namespace
 
+/// The two queries that run side by side, in one transaction, ordered alike.
 struct HostListing::Cursors {
     std::shared_ptr<sqlite::Connection> connection;
     sqlite::Transaction transaction;

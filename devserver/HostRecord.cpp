@@ -37,6 +37,7 @@ void appendEscaped(std::string& json, char character) {
     json += hexDigits[code & 15U];
 }
 
+/// Appends a value as JSON.
 struct ValueWriter {
     std::string& json;
 

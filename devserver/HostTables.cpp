@@ -36,6 +36,7 @@ std::string placeholders(std::size_t count) {
     return text;
 }
 
+/// Binds a value to a parameter; what is absent is an empty blob, unlike null.
 struct Binder {
     sqlite::Statement& statement;
     int parameter;
@@ -111,6 +112,7 @@ std::string mappingColumns(const std::string& prefix) {
     return columns(mappingKeys, prefix);
 }
 
+/// The insertions, compiled once.
 struct Writer::Statements {
     sqlite::Statement host;
     sqlite::Statement mapping;

@@ -2,21 +2,16 @@
 
 #include "devserver/Failure.h"
 #include "devserver/Files.h"
+#include "devserver/JsonPtr.h"
 #include "devserver/Random.h"
 #include "devserver/Text.h"
 
 #include <jansson.h>
-
 #include <memory>
 
 namespace devserver {
 
 namespace {
-
-struct ReleaseJson {
-    void operator()(json_t* json) const { json_decref(json); }
-};
-using JsonPtr = std::unique_ptr<json_t, ReleaseJson>;
 
 JsonPtr load(const std::filesystem::path& file) {
     if (!std::filesystem::exists(file)) {

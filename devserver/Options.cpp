@@ -63,6 +63,7 @@ void addFault(Options& options, const std::string& value) {
     options.faults.push_back(parseFaultRule(value));
 }
 
+/// An option as the help shows it, and what it sets.
 struct Option {
     const char* name;
     const char* argument;  ///< null for an option without one

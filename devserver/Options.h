@@ -11,6 +11,7 @@ namespace devserver {
 
 /// What the command line asks for.
 struct Options {
+    /// What is to be done; all but `serve` end at once.
     enum class Task { serve, initialise, audit, help, version };
 
     Task task = Task::serve;

@@ -1,10 +1,10 @@
 #include "devserver/RequestBody.h"
 
+#include "devserver/JsonPtr.h"
 #include "devserver/Reply.h"
 #include "devserver/Text.h"
 
 #include <jansson.h>
-
 #include <memory>
 
 namespace devserver {
@@ -13,11 +13,6 @@ namespace {
 
 constexpr std::size_t longestName = 1024;
 constexpr std::size_t longestComment = 2048;
-
-struct ReleaseJson {
-    void operator()(json_t* json) const { json_decref(json); }
-};
-using JsonPtr = std::unique_ptr<json_t, ReleaseJson>;
 
 [[noreturn]] void refuse() {
     throw Refusal{errors::malformedBody};

@@ -75,6 +75,7 @@ void readBody(const httplib::Request& request, const httplib::ContentReader& rea
 
 }  // namespace
 
+/// Everything that serves: TLS, the HTTP server and the connections it has.
 struct Server::Machinery {
     Machinery(
         const CertificateAuthority& authority, Endpoint place, Resources& hosts, Faults& rules)

@@ -17,6 +17,7 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// How a database is opened; `create` makes it where there is none.
 enum class Mode { readOnly, readWrite, create };
 
 /// One connection; for one thread at a time. Waits up to ten seconds for another one's lock.
@@ -73,6 +74,7 @@ private:
 /// A transaction that is rolled back unless it was committed.
 class Transaction {
 public:
+    /// What is going to be done; a write takes the lock at once.
     enum class Kind { read, write };
     Transaction(Connection& connection, Kind kind);
     ~Transaction();

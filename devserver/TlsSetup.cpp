@@ -10,6 +10,7 @@ namespace devserver {
 
 namespace {
 
+/// Gives an object of OpenSSL back.
 struct Release {
     void operator()(BIO* bio) const { BIO_free(bio); }
     void operator()(X509* certificate) const { X509_free(certificate); }
@@ -32,6 +33,7 @@ Owned<EVP_PKEY> keyOf(const std::string& pem) {
 
 }  // namespace
 
+/// What the server presents.
 struct TlsSetup::Credentials {
     Owned<X509> certificate;
     Owned<EVP_PKEY> key;

@@ -26,6 +26,7 @@ public:
     void printMessageString(int httpCode);
 
 private:
+    /// What came of the question; `unshown` when nobody could see it.
     enum class Answer { yes, no, unshown };
 
     Answer askForConfirmation() const;

@@ -5,6 +5,7 @@
 #include <jansson.h>
 #include <memory>
 
+/// Gives a reference to a JSON value back, unless the memory stays taken until the run ends.
 struct JsonRelease {
     void operator()(json_t* value) const {
         if (!jsonIsKeptUntilExit()) {

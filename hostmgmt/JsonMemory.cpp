@@ -41,6 +41,7 @@ public:
     }
 
 private:
+    /// Stands at the beginning of each block and chains it to the one before.
     struct alignas(jsonAlignment) Header {
         Header* before;
     };

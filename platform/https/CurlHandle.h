@@ -22,6 +22,7 @@ public:
     TransferNotes& notes() { return notes_; }
 
 private:
+    /// libcurl cleans up what it has made.
     struct Release {
         void operator()(CURL* handle) const { client().curl_easy_cleanup(handle); }
     };

@@ -15,10 +15,12 @@
 namespace arkeon {
 namespace {
 
+/// libcurl cleans up the addresses that it has made.
 struct UrlRelease {
     void operator()(CURLU* url) const { client().curl_url_cleanup(url); }
 };
 
+/// The same for lists of header lines.
 struct ListRelease {
     void operator()(curl_slist* list) const { client().curl_slist_free_all(list); }
 };

@@ -17,6 +17,7 @@ struct Request {
     const std::string* body = nullptr;  ///< not owned; null: none
 };
 
+/// What the server answered.
 struct Reply {
     int httpStatus = 0;  ///< 0: no whole reply arrived
     std::string body;    ///< decoded

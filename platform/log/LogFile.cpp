@@ -73,13 +73,13 @@ private:
 
 /// Takes back the piece of a line, `size` bytes, that went to a full disk, unless another run's
 /// line follows it. A line that comes in between the look and the cut is lost; on a full disk there
-/// is hardly one.
-/// @return whether it is gone
-bool takeBack(int descriptor, off_t size) {
+/// is hardly one. What cannot be taken back stays.
+void takeBack(int descriptor, off_t size) {
     struct stat facts {};
     const off_t end = lseek(descriptor, 0, SEEK_CUR);
-    return fstat(descriptor, &facts) == 0 && facts.st_size == end &&
-           ftruncate(descriptor, end - size) == 0;
+    if (fstat(descriptor, &facts) == 0 && facts.st_size == end) {
+        static_cast<void>(ftruncate(descriptor, end - size) == 0);
+    }
 }
 
 /// A failed or short write is not gone on with: a second write could land inside another run's
@@ -91,7 +91,7 @@ void writeOnce(int descriptor, std::string_view line) {
         count = write(descriptor, line.data(), line.size());
     } while (count < 0 && errno == EINTR);
     if (count > 0 && static_cast<std::size_t>(count) < line.size()) {
-        static_cast<void>(takeBack(descriptor, count));
+        takeBack(descriptor, count);
     }
 }
 

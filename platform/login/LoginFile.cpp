@@ -14,6 +14,7 @@
 namespace arkeon {
 namespace {
 
+/// Gives a reference to a JSON value back.
 struct JsonRelease {
     void operator()(json_t* value) const { json_decref(value); }
 };

@@ -1,17 +1,13 @@
 #pragma once
 
+#include "devserver/JsonPtr.h"
+
 #include <jansson.h>
 
-#include <memory>
 #include <string>
 #include <vector>
 
 namespace devserver::testing {
-
-struct ReleaseJson {
-    void operator()(json_t* json) const { json_decref(json); }
-};
-using JsonPtr = std::unique_ptr<json_t, ReleaseJson>;
 
 /// Null when the text is no JSON.
 inline JsonPtr parse(const std::string& text) {

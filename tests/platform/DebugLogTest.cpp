@@ -17,12 +17,10 @@
 #include <sstream>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 using support::LogReader;
 using support::TempDir;
-using testing::Each;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::SizeIs;
@@ -156,7 +154,6 @@ TEST(DebugLog, WithoutAnOpenLogNothingHappens) {
     logmsg(2, {"text", "more"}, "name");
 }
 
-/// Opens a log in a folder of its own.
 std::vector<std::string> linesOf(const std::string& path) {
     std::istringstream text(support::contentOf(path));
     std::vector<std::string> lines;
@@ -166,6 +163,7 @@ std::vector<std::string> linesOf(const std::string& path) {
     return lines;
 }
 
+/// Opens a log in a folder of its own.
 class OpenDebugLogTest : public testing::Test {
 public:
     ~OpenDebugLogTest() override { close_debug_log(); }
@@ -341,59 +339,6 @@ TEST_F(OpenDebugLogTest, LineThatAFullDiskCutsIsTakenBack) {
 TEST_F(OpenDebugLogTest, LogDoesNotTakeThePlaceOfAClosedStream) {
     EXPECT_EXIT(logWithClosedStreams(folder_.path()), testing::ExitedWithCode(0), "");
     EXPECT_TRUE(support::contentOf(path_).ends_with(": text\n"));
-}
-
-constexpr int writers = 64;
-constexpr std::size_t linesEach = 1000;
-
-/// Every hundredth line is longer than a page of memory.
-std::string writtenLine(std::size_t number) {
-    const std::size_t filling = number % 100 == 99 ? 5000 : number % 100;
-    return std::to_string(number) + ' ' + std::string(filling, 'x') + " end";
-}
-
-/// Half of the writers open the log for every line anew.
-[[noreturn]] void writeLines(int writer) {
-    if (writer % 2 == 1) {
-        close_debug_log();
-    }
-    const std::string name = "writer" + std::to_string(writer);
-    for (std::size_t line = 0; line < linesEach; ++line) {
-        logmsg(2, writtenLine(line).c_str(), name.c_str());
-    }
-    _exit(0);
-}
-
-void runWriters() {
-    std::vector<pid_t> children;
-    for (int writer = 0; writer < writers; ++writer) {
-        const pid_t child = fork();
-        if (child == 0) {
-            writeLines(writer);
-        }
-        children.push_back(child);
-    }
-    for (const pid_t child : children) {
-        int status = 0;
-        EXPECT_EQ(waitpid(child, &status, 0), child);
-        EXPECT_EQ(status, 0);
-    }
-}
-
-TEST(DebugLog, LinesOfSeveralProcessesNeverMix) {
-    const LogReader log;
-    runWriters();
-    std::vector<std::size_t> next(writers);
-    const std::string beforeNumber = " 2 writer";
-    for (const std::string& line : log.lines()) {
-        const std::size_t name = line.find(beforeNumber);
-        const std::size_t text = line.find(": ");
-        ASSERT_LT(name, text) << line;
-        std::size_t& number = next.at(std::stoul(line.substr(name + beforeNumber.size())));
-        ASSERT_EQ(line.substr(text + 2), writtenLine(number)) << line;
-        ++number;
-    }
-    EXPECT_THAT(next, Each(linesEach));
 }
 
 TEST(LogLine, TimeIsLocalWithMillisecondsAndOffset) {

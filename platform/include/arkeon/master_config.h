@@ -7,6 +7,7 @@ struct PrimaryServerRecord {
     const char* name;  ///< null when the key is absent; may be empty
 };
 
+/// The master configuration, as far as the tool needs it.
 struct MasterConfig {
     const PrimaryServerRecord* primary_server;  ///< null when there is no such table
     bool active_node;                           ///< `[cluster]` says `active_node = true`
