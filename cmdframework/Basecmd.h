@@ -11,11 +11,11 @@
 /// makes first. The driver calls `checkArguments()` and then `execute()`.
 class CBasecmd {
 public:
-    /// @throws CRuntimecmd code 3 (null `table`) or 2 (null `name`)
-    CBasecmd(const char* name, CArgscmd args, const PARAMETERS* table, unsigned long count);
+    /// @throws CRuntimecmd code 3 (null `table`) or 2 (null `newName`)
+    CBasecmd(const char* newName, CArgscmd newArgs, const PARAMETERS* table, unsigned long count);
 
     /// A command without options.
-    CBasecmd(const char* name, CArgscmd args);
+    CBasecmd(const char* newName, CArgscmd newArgs);
 
     CBasecmd(const CBasecmd&) = delete;
     CBasecmd& operator=(const CBasecmd&) = delete;

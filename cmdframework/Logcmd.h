@@ -32,11 +32,12 @@ public:
     virtual ~CLogcmd();
 
     /// Takes the settings that are not null or empty and not set yet, opens the log when nobody has
-    /// and `directory`/`subDirectory` exists, and raises the use count. A missing folder is no
-    /// failure; `program` is then not taken.
+    /// and `newDirectory`/`newSubDirectory` exists, and raises the use count. A missing folder is
+    /// no failure; `program` is then not taken.
     /// @throws CRuntimecmd code 0 with the opener's status when the log cannot be opened
-    void
-    init(const char* directory, const char* program, const char* subDirectory, Callback callback);
+    void init(
+        const char* newDirectory, const char* program, const char* newSubDirectory,
+        Callback newCallback);
 
     /// Whether `directory`/`subDirectory` exists.
     bool logDirectoryExists() const;

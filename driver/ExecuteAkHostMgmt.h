@@ -12,9 +12,9 @@
 ///         operation returned. 7651 in place of 0 when standard output could not be written.
 int execute_akhostmgmt(int argc, char** argv);
 
-/// The same with the debug log below another folder. The log is opened once in a process: it is the
+/// The same with the debug log below `directory`. The log is opened once in a process: it is the
 /// folder of the first run that counts.
-int execute_akhostmgmt_in(const char* logDirectory, int argc, char** argv);
+int execute_akhostmgmt_in(const char* directory, int argc, char** argv);
 
 /// The exit status for a process, of which the system keeps 8 bits: the whole number, but 255 where
 /// those bits would be 0 for a failure.

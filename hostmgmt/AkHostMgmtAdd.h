@@ -7,7 +7,7 @@
 /// `-add`: maps a name or address to a host and approves it, or updates the mapping that is there.
 class AkHostMgmtAdd : public AkHostMgmtBaseOption {
 public:
-    AkHostMgmtAdd(CArgscmd args, CLogcmd& log);
+    AkHostMgmtAdd(CArgscmd newArgs, CLogcmd& commandLog);
 
     /// @throws CUsagecmd at the first broken rule
     void checkArguments() override;

@@ -8,7 +8,7 @@
 /// and a question on standard input.
 class AkHostMgmtAddHost : public AkHostMgmtBaseOption {
 public:
-    AkHostMgmtAddHost(CArgscmd args, CLogcmd& log);
+    AkHostMgmtAddHost(CArgscmd newArgs, CLogcmd& commandLog);
 
     /// @throws CUsagecmd at the first broken rule
     void checkArguments() override;

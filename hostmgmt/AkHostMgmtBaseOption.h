@@ -24,11 +24,11 @@ class AKClientCURL;
 /// help in OperationOutput.cpp.
 class AkHostMgmtBaseOption : public CBasecmd {
 public:
-    /// `name` is the operation's option as given, `table` its options. The operation logs with the
-    /// settings of `log`.
+    /// `newName` is the operation's option as given, `table` its options. The operation logs with
+    /// the settings of `commandLog`.
     AkHostMgmtBaseOption(
-        const char* name, CArgscmd args, const PARAMETERS* table, unsigned long count,
-        CLogcmd& log);
+        const char* newName, CArgscmd newArgs, const PARAMETERS* table, unsigned long count,
+        CLogcmd& commandLog);
     ~AkHostMgmtBaseOption() override;
 
     /// Sets a member of the JSON object, replacing an earlier one.
@@ -54,23 +54,25 @@ public:
     int getStringValue(const char* key, std::string& value);
 
     /// The relative URI of a resource, logged.
-    std::string getURI(OperationType operation, const std::string& hostId, const std::string& name);
+    std::string
+    getURI(OperationType operation, const std::string& hostId, const std::string& encodedName);
 
     /// Makes one request and decides whether it succeeded: the HTTP status is 200 or 201, or 204
     /// for a DELETE or PATCH. A failure is shown on standard error.
-    /// @param name a host or mapping name, not encoded
+    /// @param targetName a host or mapping name, not encoded
     /// @param response receives the reply's body, `httpCode` its status; untouched when there was
     ///        no reply
     /// @return 0, the client's status, or the code of the server's error reply (7610 when that has
     ///         none); 8901 for a DELETE of a name that the server does not know
     int sendRequest(
-        OperationType operation, CurlRequestType method, const std::string& body, const char* name,
-        const char* hostId, std::string& response, int& httpCode, LoginType login);
+        OperationType operation, CurlRequestType method, const std::string& body,
+        const char* targetName, const char* hostId, std::string& response, int& httpCode,
+        LoginType login);
 
     /// Makes one request. Mind the order: here the host ID stands before the name.
     /// @return 0 when a reply arrived, whatever its HTTP status, else a status code
     int curlSendRequest(
-        OperationType operation, const char* hostId, const char* name, CurlRequestType method,
+        OperationType operation, const char* hostId, const char* targetName, CurlRequestType method,
         const std::string& body, std::string& response, int& httpCode, LoginType login);
 
     /// Reads and logs the code and the message of a server's error reply.

@@ -8,7 +8,7 @@
 /// the command line asks for.
 class AkHostMgmtComment : public AkHostMgmtBaseOption {
 public:
-    AkHostMgmtComment(CArgscmd args, CLogcmd& log);
+    AkHostMgmtComment(CArgscmd newArgs, CLogcmd& commandLog);
 
     /// @throws CUsagecmd at the first broken rule
     void checkArguments() override;

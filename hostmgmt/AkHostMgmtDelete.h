@@ -7,7 +7,7 @@
 /// `-delete`: takes a name or address away from a host.
 class AkHostMgmtDelete : public AkHostMgmtBaseOption {
 public:
-    AkHostMgmtDelete(CArgscmd args, CLogcmd& log);
+    AkHostMgmtDelete(CArgscmd newArgs, CLogcmd& commandLog);
 
     /// @throws CUsagecmd at the first broken rule
     void checkArguments() override;

@@ -11,7 +11,7 @@
 /// JSON or the compact JSON format.
 class AkHostMgmtList : public AkHostMgmtBaseOption {
 public:
-    AkHostMgmtList(CArgscmd args, CLogcmd& log);
+    AkHostMgmtList(CArgscmd newArgs, CLogcmd& commandLog);
 
     /// @throws CUsagecmd at the first broken rule
     void checkArguments() override;

@@ -8,7 +8,7 @@
 /// without a reissue token. The server takes a permission away by itself after 48 hours.
 class AkHostMgmtReissueCert : public AkHostMgmtBaseOption {
 public:
-    AkHostMgmtReissueCert(CArgscmd args, CLogcmd& log);
+    AkHostMgmtReissueCert(CArgscmd newArgs, CLogcmd& commandLog);
 
     /// @throws CUsagecmd at the first broken rule
     void checkArguments() override;

@@ -7,7 +7,7 @@
 /// `-updatehost`: changes the primary name of a host.
 class AkHostMgmtUpdateHost : public AkHostMgmtBaseOption {
 public:
-    AkHostMgmtUpdateHost(CArgscmd args, CLogcmd& log);
+    AkHostMgmtUpdateHost(CArgscmd newArgs, CLogcmd& commandLog);
 
     /// @throws CUsagecmd at the first broken rule
     void checkArguments() override;
