@@ -127,6 +127,11 @@ def run_unit_tests(description):
     """The main function of a test program that is made of unittest classes."""
     parser = argument_parser(description)
     parser.add_argument("--many", type=int, default=100_000, help="how many hosts many are")
+    return run_with(parser)
+
+
+def run_with(parser):
+    """The same for a program with arguments of its own, which `PROGRAMS` has then."""
     parser.parse_args(namespace=PROGRAMS)
     result = unittest.main(argv=sys.argv[:1], exit=False, verbosity=2).result
     failed = len(result.failures) + len(result.errors)
