@@ -6,6 +6,7 @@ import pathlib
 import pty
 import re
 import select
+import signal
 import subprocess
 import tempfile
 import time
@@ -69,7 +70,8 @@ class Desk:
         try:
             self._shell.wait(LIMIT)
         finally:
-            self._shell.kill()
+            with contextlib.suppress(ProcessLookupError):
+                os.killpg(self._shell.pid, signal.SIGKILL)  # and what runs in its background
             self.stop_servers()
             os.close(self._screen)
             os.close(self._statuses)
@@ -79,9 +81,12 @@ class Desk:
         """What the terminal shows of a command, with the answers that were typed, and its status.
 
         `answers` are pairs of a prompt and what is typed once it is the last thing on the screen.
+        A command that is a server's runs beside the shell, on an address of its own.
         """
-        if SERVING.match(command):
-            return self._serve(command)
+        return self._serve(command) if SERVING.match(command) else self.type(command, answers)
+
+    def type(self, command, answers=()):
+        """The same in the shell, whatever the command is."""
         order = self.home / ".order"
         order.write_text(command.replace("/usr/share/akhostmgmt", str(self._data)) + "\n")
         os.write(self._orders, f"{order}\n".encode())
