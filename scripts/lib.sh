@@ -8,6 +8,7 @@ packages=(
   libsqlite3-dev libcpp-httplib-dev
   libgtest-dev libgmock-dev gettext python3 tzdata jq strace
   zsh busybox
+  mandoc groff-base
 )
 
 # What the checks of the continuous integration stand on besides.
