@@ -1,9 +1,11 @@
 #!/usr/bin/env python3
 """akdevserver(1) has the options and faults that akdevserver --help names, and no others."""
 
+import pathlib
 import re
 import subprocess
 import sys
+import tempfile
 import unittest
 
 import manual
@@ -45,6 +47,16 @@ class DevelopmentServer(unittest.TestCase):
         found = {name for words in lines for name in manual.arguments(words, "Cm")}
         self.assertGreater(len(found), len(NOT_IN_HELP))
         self.assertEqual(found, known | NOT_IN_HELP)
+
+    def test_the_files_are_those_that_are_made(self):
+        with tempfile.TemporaryDirectory(prefix="akhostmgmt-") as folder:
+            root = pathlib.Path(folder) / "DIR"
+            subprocess.run([manual.PROGRAMS.devserver, "--root", root, "--init-only"], check=True,
+                           stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL)  # fmt: skip
+            made = {str(path.relative_to(folder)) for path in root.rglob("*") if path.is_file()}
+        found = [path for row in manual.items(manual.built(PAGE), "FILES", "Pa") for path in row]
+        self.assertGreater(len(found), 1)
+        self.assertCountEqual(found, made)
 
     def test_the_version_is_that_of_the_program(self):
         version = output("--version").split()[-1]
