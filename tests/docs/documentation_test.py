@@ -57,6 +57,7 @@ class Reader:
                 desk.close()
         self._check_words(page)
         self._check_links(page)
+        check_version(page)
         return count
 
     @staticmethod
@@ -185,6 +186,14 @@ def check_picture(path):
     strange = {word for word in words if word not in folders and word not in sources}
     if strange - {"YYYYMMDD", "HTTPS"}:
         raise Fault(f"{path.name} names what is not there: {', '.join(sorted(strange))}")
+
+
+def check_version(page):
+    """The newest of the changes is the version that is built."""
+    built = re.search(r"project\(akhostmgmt VERSION ([\d.]+)", (TOP / "CMakeLists.txt").read_text())
+    told = re.search(r"^## ([\d.]+)$", page.prose, re.MULTILINE)
+    if "Semantic Versioning" in page.prose and (not told or told[1] != built[1]):
+        raise Fault(f"{page.name}: the newest version is not {built[1]}")
 
 
 def run_by_hand():
