@@ -7,7 +7,7 @@ packages=(
   libjansson-dev libace-dev libtomlplusplus-dev
   libsqlite3-dev libcpp-httplib-dev
   libgtest-dev libgmock-dev gettext python3 tzdata jq strace
-  zsh busybox
+  zsh busybox fish bash-completion
   mandoc groff-base
 )
 

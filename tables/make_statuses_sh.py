@@ -6,9 +6,10 @@
 
 import json
 import pathlib
-import re
 import shlex
 import sys
+
+from templates import filled
 
 
 def arm(numbers, text):
@@ -40,15 +41,6 @@ def values(statuses):
             if len(numbers) == 1
         ],
     }
-
-
-def filled(template, lines_by_name):
-    """The template with its names replaced; lines are indented as the first one is."""
-    def lines_of(match):
-        return match[1] + f"\n{match[1]}".join(lines_by_name[match[2]])
-
-    whole_lines = re.sub(r"^( *)@(\w+)@$", lines_of, template, flags=re.M)
-    return re.sub(r"()@(\w+)@", lines_of, whole_lines)
 
 
 def main():
