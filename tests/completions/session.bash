@@ -1,8 +1,9 @@
 # Read by a bash on the test's terminal: C-x i puts all that may follow into the line, C-x d hands
 # the line over and clears it.
-if [[ $WITH_PACKAGE ]]; then
+if [[ ${WITH_PACKAGE-} ]]; then
     . /usr/share/bash-completion/bash_completion
 else
+    set -u
     . "$DATA/bash-completion/completions/akhostmgmt"
 fi
 _dump() {

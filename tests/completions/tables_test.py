@@ -6,6 +6,7 @@ import json
 import os
 import pathlib
 import subprocess
+import sys
 import tempfile
 import tomllib
 import unittest
@@ -126,7 +127,7 @@ class OtherTables(unittest.TestCase):
         ]
         (self.folder / "descriptions.toml").write_text("".join(lines))
         return subprocess.run(
-            ["python3", make_completions.__file__, "tables.json", "descriptions.toml", "."],
+            [sys.executable, make_completions.__file__, "tables.json", "descriptions.toml", "."],
             cwd=self.folder, capture_output=True, text=True)  # fmt: skip
 
     def test_every_kind_of_option_in_every_shell(self):
