@@ -103,6 +103,6 @@ std::string CArgscmd::commandLine() const {
             line += " " + value;
         }
     }
-    line += '\0';
+    line += '\0';  // part of the text; the log shows it up to there
     return line;
 }

@@ -120,6 +120,7 @@ int run(const char* directory, int argc, char** argv) {
     int status = arkeon::status::success;
     std::unique_ptr<CBasecmd> operation;
     try {
+        // Null without memory: the run then goes on as if nothing had been typed, and says so.
         char** copy = copyArguments(argc, argv, strdup);
         commandLog.init(directory, commandName, loggingSubDirectory, nullptr);
         openCatalogue(locale);

@@ -16,23 +16,16 @@ std::unique_ptr<CBasecmd> make(const CArgscmd& args, CLogcmd& log) {
     return std::make_unique<Class>(args, log);
 }
 
-// Tested from the top.
+// Tested from the top; the top-level help has the same order.
 constexpr Operation operations[] = {
-    {operation::add, make<AkHostMgmtAdd>},
-    {operation::delete_cmd, make<AkHostMgmtDelete>},
-    {operation::lst, make<AkHostMgmtList>},
-    {operation::addcomment, make<AkHostMgmtComment>},
-    {operation::deletecomment, make<AkHostMgmtComment>},
-    {operation::setautoreissuecert, make<AkHostMgmtReissueCert>},
-    {operation::addhost, make<AkHostMgmtAddHost>},
-    {operation::updatehost, make<AkHostMgmtUpdateHost>},
-};
-
-// In the order of the top-level help.
-constexpr void (*synopses[])() = {
-    AkHostMgmtAdd::printHelp,        AkHostMgmtDelete::printHelp,      AkHostMgmtList::printHelp,
-    AkHostMgmtComment::printHelp,    AkHostMgmtReissueCert::printHelp, AkHostMgmtAddHost::printHelp,
-    AkHostMgmtUpdateHost::printHelp,
+    {operation::add, make<AkHostMgmtAdd>, AkHostMgmtAdd::printHelp},
+    {operation::delete_cmd, make<AkHostMgmtDelete>, AkHostMgmtDelete::printHelp},
+    {operation::lst, make<AkHostMgmtList>, AkHostMgmtList::printHelp},
+    {operation::addcomment, make<AkHostMgmtComment>, AkHostMgmtComment::printAddCommentHelp},
+    {operation::deletecomment, make<AkHostMgmtComment>, AkHostMgmtComment::printDeleteCommentHelp},
+    {operation::setautoreissuecert, make<AkHostMgmtReissueCert>, AkHostMgmtReissueCert::printHelp},
+    {operation::addhost, make<AkHostMgmtAddHost>, AkHostMgmtAddHost::printHelp},
+    {operation::updatehost, make<AkHostMgmtUpdateHost>, AkHostMgmtUpdateHost::printHelp},
 };
 
 }  // namespace
@@ -51,7 +44,7 @@ std::unique_ptr<CBasecmd> chooseOperation(const CArgscmd& args, CLogcmd& log) {
 }
 
 void printSynopses() {
-    for (const auto printHelp : synopses) {
-        printHelp();
+    for (const Operation& row : allOperations()) {
+        row.printSynopsis();
     }
 }

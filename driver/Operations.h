@@ -6,10 +6,12 @@
 #include <memory>
 #include <span>
 
-/// One operation: the option that chooses it and the class that performs it.
+/// One operation: the option that chooses it, the class that performs it, and what prints its
+/// synopsis.
 struct Operation {
     OptionName option;
     std::unique_ptr<CBasecmd> (*make)(const CArgscmd& args, CLogcmd& log);
+    void (*printSynopsis)();
 };
 
 /// The table of operations, in the order in which the command line is looked through for them.

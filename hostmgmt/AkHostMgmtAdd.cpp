@@ -45,8 +45,7 @@ AkHostMgmtAdd::AkHostMgmtAdd(CArgscmd newArgs, CLogcmd& commandLog)
 void AkHostMgmtAdd::checkArguments() {
     CBasecmd::checkArguments();
     rejectHelpAlias();
-    rejectBoth(option::hostid, option::host);
-    requireEither(option::hostid, option::host);
+    requireOneOf(option::hostid, option::host);
     requireOption(option::mappingname);
     rejectSlashes(option::host, messages::hostNameHoldsSlashes);
     rejectSlashes(option::hostid, messages::hostIdHoldsSlashes);
@@ -57,7 +56,7 @@ void AkHostMgmtAdd::checkArguments() {
 }
 
 int AkHostMgmtAdd::execute() {
-    if (const int failure = getUuid(resolvedHostId); failure != 0) {
+    if (const int failure = getUuid(resolvedHostId); failure != arkeon::status::success) {
         return failure;
     }
     setJSONObject("isShared", json_boolean(isGiven(option::isshared)));

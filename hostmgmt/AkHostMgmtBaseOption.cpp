@@ -24,7 +24,7 @@ int AkHostMgmtBaseOption::setJSONObject(const char* key, json_t* value) {
     return arkeon::status::success;
 }
 
-std::string AkHostMgmtBaseOption::getJSONpayload() {
+std::string AkHostMgmtBaseOption::getJSONpayload() const {
     json_free_t release = nullptr;
     json_get_alloc_funcs(nullptr, &release);
     const std::unique_ptr<char, json_free_t> text(json_dumps(payload.get(), JSON_COMPACT), release);
@@ -50,7 +50,7 @@ int AkHostMgmtBaseOption::loadReply(std::string_view text) {
     return payload ? arkeon::status::success : arkeon::status::unreadableReply;
 }
 
-int AkHostMgmtBaseOption::getIntValue(const char* key, long& value) {
+int AkHostMgmtBaseOption::getIntValue(const char* key, long& value) const {
     const json_t* member = json_object_get(payload.get(), key);
     if (!json_is_integer(member)) {
         operationLog.logit("No error code in response.", logLevel::failure);
@@ -60,7 +60,7 @@ int AkHostMgmtBaseOption::getIntValue(const char* key, long& value) {
     return arkeon::status::success;
 }
 
-int AkHostMgmtBaseOption::getStringValue(const char* key, std::string& value) {
+int AkHostMgmtBaseOption::getStringValue(const char* key, std::string& value) const {
     const char* text = json_string_value(json_object_get(payload.get(), key));
     if (text == nullptr) {
         // The same words as for a number, whatever the key.
@@ -72,7 +72,7 @@ int AkHostMgmtBaseOption::getStringValue(const char* key, std::string& value) {
 }
 
 std::string AkHostMgmtBaseOption::getURI(
-    OperationType operation, const std::string& hostId, const std::string& encodedName) {
+    OperationType operation, const std::string& hostId, const std::string& encodedName) const {
     std::string uri = resourceUri(operation, hostId, encodedName);
     operationLog.logit({"serverUri is: ", uri}, logLevel::ordinary);
     return uri;

@@ -31,15 +31,17 @@ public:
         CLogcmd& commandLog);
     ~AkHostMgmtBaseOption() override;
 
-    /// Sets a member of the JSON object, replacing an earlier one.
+    /// Sets a member of the JSON object, replacing an earlier one. The value has to be UTF-8
+    /// (`rejectInvalidUtf8`), and the object there: it is null after a failed `loadJSON`.
     /// @return 0
+    /// @throws std::bad_alloc
     int setJSONObject(const char* key, const char* value);
 
     /// The same for any value; takes over the caller's reference.
     int setJSONObject(const char* key, json_t* value);
 
     /// The JSON object in compact form.
-    std::string getJSONpayload();
+    std::string getJSONpayload() const;
 
     /// Replaces the JSON object by the parsed text.
     /// @return 0; 7610 when the text is not JSON: the object is then null, and the text is logged
@@ -50,12 +52,12 @@ public:
 
     /// Reads a member of the JSON object.
     /// @return 0; 7610 when it is absent or not of that type: `value` is then untouched
-    int getIntValue(const char* key, long& value);
-    int getStringValue(const char* key, std::string& value);
+    int getIntValue(const char* key, long& value) const;
+    int getStringValue(const char* key, std::string& value) const;
 
     /// The relative URI of a resource, logged.
-    std::string
-    getURI(OperationType operation, const std::string& hostId, const std::string& encodedName);
+    std::string getURI(
+        OperationType operation, const std::string& hostId, const std::string& encodedName) const;
 
     /// Makes one request and decides whether it succeeded: the HTTP status is 200 or 201, or 204
     /// for a DELETE or PATCH. A failure is shown on standard error.
@@ -82,16 +84,16 @@ public:
 
     /// Shows the status line "Exit Status N: text" on standard error and logs the text; for 117 and
     /// 118 the request to log in first. Nothing happens for 0.
-    void submitErrorStringForWebApi(int code);
+    void submitErrorStringForWebApi(int code) const;
 
     /// The primary server: the option "server", else the master configuration's. When neither names
     /// one, the reason is shown and logged.
     /// @throws std::logic_error when the configuration names none; nothing catches it
-    std::string getMasterServer();
+    std::string getMasterServer() const;
 
     /// Finds the local host's own ID.
     /// @return 0 or a status code; nothing is shown
-    int getHostIDfromCertmapinfo(std::string& hostId);
+    int getHostIDfromCertmapinfo(std::string& hostId) const;
 
     /// Finds the host ID of the host that the command line names: by its ID, or by a name that the
     /// server is asked for.
@@ -108,6 +110,7 @@ protected:
     void rejectInvalidUtf8(OptionName option) const;
     void rejectBoth(OptionName first, OptionName second) const;
     void requireEither(OptionName first, OptionName second) const;
+    void requireOneOf(OptionName first, OptionName second) const;
     void rejectSlashes(OptionName option, const CatalogueText& text) const;
     void rejectLongerThan(std::size_t limit, OptionName option) const;
     [[noreturn]] void refuse(usageExceptions code, const std::string& text) const;
@@ -155,10 +158,10 @@ private:
     int perform(
         AKClientCURL& client, CurlRequestType method, const std::string& uri,
         const std::string& body, const std::string& auditHeader) const;
-    int reportServerError(long errorCode, int httpCode);
+    int reportServerError(long errorCode, int httpCode) const;
     int reportUnknownMapping() const;
-    int failLookup(int status);
-    int hostIdFromLookup(const std::string& reply, std::string& hostId);
+    int failLookup(int status) const;
+    int hostIdFromLookup(const std::string& reply, std::string& hostId) const;
     std::string showWebLoginRequired() const;
     void showStatus(int code, const std::string& text) const;
 };

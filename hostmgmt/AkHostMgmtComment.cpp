@@ -83,8 +83,7 @@ AkHostMgmtComment::AkHostMgmtComment(CArgscmd newArgs, CLogcmd& commandLog)
 void AkHostMgmtComment::checkArguments() {
     CBasecmd::checkArguments();
     rejectHelpAlias();
-    rejectBoth(option::hostid, option::host);
-    requireEither(option::hostid, option::host);
+    requireOneOf(option::hostid, option::host);
     if (isAddComment) {
         requireOption(option::comment);
     }
@@ -99,7 +98,7 @@ void AkHostMgmtComment::checkArguments() {
 }
 
 int AkHostMgmtComment::execute() {
-    if (const int failure = getUuid(resolvedHostId); failure != 0) {
+    if (const int failure = getUuid(resolvedHostId); failure != arkeon::status::success) {
         return failure;
     }
     setJSONObject("comment", newComment().c_str());

@@ -41,8 +41,7 @@ AkHostMgmtDelete::AkHostMgmtDelete(CArgscmd newArgs, CLogcmd& commandLog)
 void AkHostMgmtDelete::checkArguments() {
     CBasecmd::checkArguments();
     rejectHelpAlias();
-    rejectBoth(option::hostid, option::host);
-    requireEither(option::hostid, option::host);
+    requireOneOf(option::hostid, option::host);
     requireOption(option::mappingname);
     rejectSlashes(option::host, messages::hostNameHoldsSlashes);
     rejectSlashes(option::hostid, messages::hostIdHoldsSlashes);
@@ -53,7 +52,7 @@ void AkHostMgmtDelete::checkArguments() {
 }
 
 int AkHostMgmtDelete::execute() {
-    if (const int failure = getUuid(resolvedHostId); failure != 0) {
+    if (const int failure = getUuid(resolvedHostId); failure != arkeon::status::success) {
         return failure;
     }
     int httpCode = 0;

@@ -102,7 +102,7 @@ void AkHostMgmtList::countFilters() {
 
 int AkHostMgmtList::execute() {
     Query query;
-    if (const int failure = chooseQuery(query); failure != 0) {
+    if (const int failure = chooseQuery(query); failure != arkeon::status::success) {
         return failure;
     }
     std::string response;
@@ -110,7 +110,7 @@ int AkHostMgmtList::execute() {
     const int result = sendRequest(
         query.operation, CURL_GET, "", query.hostName.c_str(), query.hostId.c_str(), response,
         httpCode, query.login);
-    if (result != 0 || httpCode != httpStatus::ok) {
+    if (result != arkeon::status::success || httpCode != httpStatus::ok) {
         return result;
     }
     if (isGiven(option::hostid) || ownMappings) {
@@ -146,7 +146,8 @@ int AkHostMgmtList::chooseQuery(Query& query) {
         return findOwnHostId(query.hostId);
     } else {
         operationLog.logit("List operation, no option supplied", logLevel::ordinary);
-        // The count is always 0 here; the guard stays all the same.
+        // The count is always 0 here; a filter that the chain above does not know must not list
+        // all.
         query.operation = optionCount == 0 ? OP_ALL_MAPPINGS : OP_ALL_HOSTS;
         listOperation = OP_ALL_MAPPINGS;
     }
@@ -155,7 +156,7 @@ int AkHostMgmtList::chooseQuery(Query& query) {
 
 int AkHostMgmtList::findOwnHostId(std::string& hostId) {
     const int failure = getHostIDfromCertmapinfo(hostId);
-    if (failure != 0) {
+    if (failure != arkeon::status::success) {
         operationLog.logit(
             "\ngetHostIDfromCertmapinfo() failed, retval = " + std::to_string(failure),
             logLevel::failure);
@@ -168,7 +169,7 @@ int AkHostMgmtList::findOwnHostId(std::string& hostId) {
 }
 
 int AkHostMgmtList::printHosts(std::string response) {
-    if (const int failure = loadReply(response); failure != 0) {
+    if (const int failure = loadReply(response); failure != arkeon::status::success) {
         submitErrorStringForWebApi(arkeon::status::unreadableReply);
         return failure;
     }

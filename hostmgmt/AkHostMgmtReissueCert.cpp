@@ -57,8 +57,7 @@ AkHostMgmtReissueCert::AkHostMgmtReissueCert(CArgscmd newArgs, CLogcmd& commandL
 void AkHostMgmtReissueCert::checkArguments() {
     CBasecmd::checkArguments();
     rejectHelpAlias();
-    rejectBoth(option::hostid, option::host);
-    requireEither(option::hostid, option::host);
+    requireOneOf(option::hostid, option::host);
     rejectSlashes(option::hostid, messages::hostIdHoldsSlashes);
     rejectSlashes(option::host, messages::hostNameHoldsSlashes);
     rejectLongerThan(longestHostName, option::host);
@@ -69,7 +68,7 @@ void AkHostMgmtReissueCert::checkArguments() {
 }
 
 int AkHostMgmtReissueCert::execute() {
-    if (const int failure = getUuid(resolvedHostId); failure != 0) {
+    if (const int failure = getUuid(resolvedHostId); failure != arkeon::status::success) {
         return failure;
     }
     setJSONObject("autoReissue", json_boolean(isWanted()));

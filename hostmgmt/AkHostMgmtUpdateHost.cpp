@@ -42,8 +42,7 @@ AkHostMgmtUpdateHost::AkHostMgmtUpdateHost(CArgscmd newArgs, CLogcmd& commandLog
 void AkHostMgmtUpdateHost::checkArguments() {
     CBasecmd::checkArguments();
     rejectHelpAlias();
-    rejectBoth(option::hostid, option::host);
-    requireEither(option::hostid, option::host);
+    requireOneOf(option::hostid, option::host);
     requireOption(option::newhostname);
     rejectSlashes(option::host, messages::hostNameHoldsSlashes);
     rejectSlashes(option::hostid, messages::hostIdHoldsSlashes);
@@ -54,7 +53,7 @@ void AkHostMgmtUpdateHost::checkArguments() {
 }
 
 int AkHostMgmtUpdateHost::execute() {
-    if (const int failure = getUuid(resolvedHostId); failure != 0) {
+    if (const int failure = getUuid(resolvedHostId); failure != arkeon::status::success) {
         return failure;
     }
     setJSONObject("hostName", valueOf(option::newhostname).c_str());

@@ -65,6 +65,11 @@ void AkHostMgmtBaseOption::requireEither(OptionName first, OptionName second) co
     }
 }
 
+void AkHostMgmtBaseOption::requireOneOf(OptionName first, OptionName second) const {
+    rejectBoth(first, second);
+    requireEither(first, second);
+}
+
 void AkHostMgmtBaseOption::rejectSlashes(OptionName option, const CatalogueText& text) const {
     if (valueOf(option).find_first_of("\\/") != std::string::npos) {
         refuse(holdsSlashes, messageText(text));

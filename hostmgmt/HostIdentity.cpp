@@ -37,7 +37,11 @@ const CatalogueText* masterConfigFault() {
 
 }  // namespace
 
-std::string AkHostMgmtBaseOption::getMasterServer() {
+int localCertificateType() {
+    return IsActiveClusterNode() ? clusterCertificateType : hostCertificateType;
+}
+
+std::string AkHostMgmtBaseOption::getMasterServer() const {
     if (isGiven(option::server)) {
         return valueOf(option::server);
     }
@@ -53,7 +57,7 @@ std::string AkHostMgmtBaseOption::getMasterServer() {
     return get_master_config_ptr()->primary_server->name;
 }
 
-int AkHostMgmtBaseOption::getHostIDfromCertmapinfo(std::string& hostId) {
+int AkHostMgmtBaseOption::getHostIDfromCertmapinfo(std::string& hostId) const {
     const std::string where = "AkHostMgmtBaseOption::getHostIDfromCertmapinfo";
     const std::string server = getMasterServer();
     if (server.empty()) {
@@ -63,7 +67,7 @@ int AkHostMgmtBaseOption::getHostIDfromCertmapinfo(std::string& hostId) {
     std::array<char, 64> buffer{};
     const int failure =
         getHostID(localCertificateType(), server.c_str(), buffer.data(), buffer.size());
-    if (failure != 0) {
+    if (failure != arkeon::status::success) {
         operationLog.logit(
             where + ", getHostID() failed, retval = " + std::to_string(failure), logLevel::failure);
         return failure;
@@ -87,7 +91,7 @@ int AkHostMgmtBaseOption::getUuid(std::string& hostId) {
         showWebLoginRequired();
         return result;
     }
-    if (result != 0) {
+    if (result != arkeon::status::success) {
         return failLookup(result);
     }
     if (httpCode != httpStatus::ok) {
@@ -100,12 +104,12 @@ int AkHostMgmtBaseOption::getUuid(std::string& hostId) {
     return hostIdFromLookup(reply, hostId);
 }
 
-int AkHostMgmtBaseOption::failLookup(int status) {
+int AkHostMgmtBaseOption::failLookup(int status) const {
     submitErrorStringForWebApi(status);
     return status;
 }
 
-int AkHostMgmtBaseOption::hostIdFromLookup(const std::string& reply, std::string& hostId) {
+int AkHostMgmtBaseOption::hostIdFromLookup(const std::string& reply, std::string& hostId) const {
     const JsonRef root = parseJSON(reply);
     const json_t* hosts = json_object_get(root.get(), "hosts");
     if (!json_is_array(hosts)) {

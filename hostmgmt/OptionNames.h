@@ -5,7 +5,7 @@
 
 /// The options of the command line, without their leading "-".
 
-/// The options that choose the operation; the driver tests them in this order.
+/// The options that choose the operation.
 namespace topLevelAkHostMgmtOptions {
 
 inline constexpr const char* help = "help";

@@ -30,7 +30,7 @@ int AkHostMgmtBaseOption::logErrorMessage(const std::string& reply, long& errorC
     return arkeon::status::success;
 }
 
-void AkHostMgmtBaseOption::submitErrorStringForWebApi(int code) {
+void AkHostMgmtBaseOption::submitErrorStringForWebApi(int code) const {
     if (code == arkeon::status::success) {
         return;
     }

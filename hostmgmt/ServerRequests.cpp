@@ -3,7 +3,7 @@
 #include "arkeon/AKClientCURL.h"
 #include "arkeon/LoginWithUserTokenManager.h"
 #include "arkeon/console.h"
-#include "arkeon/master_config.h"
+#include "arkeon/host_identity.h"
 #include "arkeon/status.h"
 #include "hostmgmt/AkHostMgmtBaseOption.h"
 
@@ -17,9 +17,6 @@ constexpr int serverPort = 1556;
 
 constexpr CatalogueText mappingDoesNotExist =
     catalogued("NecErr8901N", "The mapping name that was provided does not exist.");
-
-constexpr int hostCertificateType = 1;
-constexpr int clusterCertificateType = 2;
 
 bool isSuccess(CurlRequestType method, int httpCode) {
     // A 204 to a PUT, POST or GET is a failure: these have something to say.
@@ -46,10 +43,6 @@ int callClient(
 
 }  // namespace
 
-int localCertificateType() {
-    return IsActiveClusterNode() ? clusterCertificateType : hostCertificateType;
-}
-
 bool isLoginFailure(int status) {
     return status == arkeon::status::notLoggedIn || status == arkeon::status::loginRefused ||
            status == arkeon::status::loginExpired;
@@ -69,7 +62,7 @@ int AkHostMgmtBaseOption::sendRequest(
         showWebLoginRequired();
         submitErrorStringForWebApi(result);
         return result;
-    } else if (result != 0) {
+    } else if (result != arkeon::status::success) {
         submitErrorStringForWebApi(result);
     } else {
         long errorCode = 0;
@@ -99,7 +92,7 @@ int AkHostMgmtBaseOption::reportUnknownMapping() const {
     return arkeon::status::unknownMapping;
 }
 
-int AkHostMgmtBaseOption::reportServerError(long errorCode, int httpCode) {
+int AkHostMgmtBaseOption::reportServerError(long errorCode, int httpCode) const {
     const int code = static_cast<int>(errorCode);
     submitErrorStringForWebApi(code);
     if (code != 0) {
@@ -128,10 +121,12 @@ int AkHostMgmtBaseOption::curlSendRequest(
         server, serverPort, localCertificateType(), AKCurlSessionType::rest,
         tokens ? &*tokens : nullptr);
     std::string encodedName;
-    if (const int failure = encodeName(client, targetName, encodedName); failure != 0) {
+    if (const int failure = encodeName(client, targetName, encodedName);
+        failure != arkeon::status::success) {
         return failure;
     }
     const std::string uri = getURI(operation, hostId, encodedName);
+    // No operation leads here: every one of them has a resource.
     if (uri.empty()) {
         Console::standard().writeError("URI is empty\n");
         operationLog.logit("URI is empty", logLevel::failure);
@@ -140,10 +135,12 @@ int AkHostMgmtBaseOption::curlSendRequest(
     }
     client.addHeaderField("Accept: ", std::string(AK_MEDIA_TYPE_VERSION));
     std::string auditHeader;
-    if (const int failure = auditHeaderLine(client, auditHeader); failure != 0) {
+    if (const int failure = auditHeaderLine(client, auditHeader);
+        failure != arkeon::status::success) {
         return failure;
     }
-    if (const int failure = perform(client, method, uri, body, auditHeader); failure != 0) {
+    if (const int failure = perform(client, method, uri, body, auditHeader);
+        failure != arkeon::status::success) {
         return failure;
     }
     response = client.takeBody();
@@ -154,7 +151,7 @@ int AkHostMgmtBaseOption::curlSendRequest(
 int AkHostMgmtBaseOption::encodeName(
     AKClientCURL& client, const std::string& plain, std::string& encoded) const {
     const int failure = client.encodeUriString(plain, encoded);
-    if (failure != 0) {
+    if (failure != arkeon::status::success) {
         const std::string text =
             "Unable to encode hostname : " + plain + ", error : " + std::to_string(failure);
         operationLog.logit(text, logLevel::ordinary);
@@ -166,7 +163,8 @@ int AkHostMgmtBaseOption::encodeName(
 int AkHostMgmtBaseOption::auditHeaderLine(AKClientCURL& client, std::string& line) const {
     const std::string text = valueOf(option::reason);
     std::string encoded;
-    if (const int failure = client.encodeUriString(text, encoded); failure != 0) {
+    if (const int failure = client.encodeUriString(text, encoded);
+        failure != arkeon::status::success) {
         operationLog.logit(
             "Unable to encode reason: " + text + ", error: " + std::to_string(failure),
             logLevel::ordinary);
@@ -180,6 +178,7 @@ int AkHostMgmtBaseOption::auditHeaderLine(AKClientCURL& client, std::string& lin
 int AkHostMgmtBaseOption::perform(
     AKClientCURL& client, CurlRequestType method, const std::string& uri, const std::string& body,
     const std::string& auditHeader) const {
+    // No operation leads here either.
     if (method < CURL_GET || method > CURL_POST) {
         Console::standard().writeError("Unknown Request Type " + std::to_string(method) + "\n");
         operationLog.logit("Unknown Request Type", logLevel::failure);
@@ -189,7 +188,7 @@ int AkHostMgmtBaseOption::perform(
         client.setupAcceptCurlOption(auditHeader);  // also when no reason was given
     }
     const int result = callClient(client, method, uri, body);
-    if (result != 0) {
+    if (result != arkeon::status::success) {
         operationLog.logit(
             "Failed to perform curl request for URI :" + uri + " retval :" + std::to_string(result),
             logLevel::failure);

@@ -46,7 +46,8 @@ json_t* statusTables() {
     for (const StatusText& row : arkeon::statusTable()) {
         json_array_append_new(rows, describe(row));
     }
-    // The server refused the command or not: what its code says only its documentation tells.
+    // A code without a row is the server's own: only its documentation tells whether the change was
+    // made.
     return json_pack(
         "{s:o, s:{s:s, s:s}}", "statuses", rows, "unknown", "meaning", unknownMeaning().c_str(),
         "retry", nameOf(Retry::check));

@@ -26,7 +26,7 @@ void setCategory(int category, char* name, std::size_t size) {
 }
 
 void bindCatalogue() {
-    bindtextdomain(domain, (rootDirectory() + "/locale").c_str());
+    bindtextdomain(domain, localeDirectory().c_str());
     bind_textdomain_codeset(domain, "UTF-8");
 }
 

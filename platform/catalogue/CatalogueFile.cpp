@@ -126,10 +126,6 @@ bool Checker::isHashTableSound() const {
     return hasEmptyPlace;
 }
 
-bool isMissing(int error) {
-    return error == 0 || error == ENOENT || error == ENOTDIR;
-}
-
 bool refuse(const std::string& path, std::string_view reason) {
     report({path, ": ", reason, "; texts are not translated"});
     return false;
@@ -137,10 +133,10 @@ bool refuse(const std::string& path, std::string_view reason) {
 
 bool isSoundFile(const std::string& path) {
     const FileContent file = readFile(path, largestCatalogue);
-    if (!isMissing(file.error)) {
-        return refuse(path, file.reason);
+    if (file.error != 0) {
+        return isMissingFile(file.error) || refuse(path, file.reason);
     }
-    return file.error != 0 || isSoundCatalogue(file.text) || refuse(path, "not a sound catalogue");
+    return isSoundCatalogue(file.text) || refuse(path, "not a sound catalogue");
 }
 
 bool lookThrough(const std::string& directory, const std::string& domain) {
@@ -151,7 +147,8 @@ bool lookThrough(const std::string& directory, const std::string& domain) {
     for (; !failure && languages != directory_iterator(); languages.increment(failure)) {
         sound = isSoundFile(languages->path() / "LC_MESSAGES" / (domain + ".mo")) && sound;
     }
-    return isMissing(failure.value()) ? sound : refuse(directory, failure.message());
+    return !failure || isMissingFile(failure.value()) ? sound
+                                                      : refuse(directory, failure.message());
 }
 
 }  // namespace
@@ -162,7 +159,7 @@ bool isSoundCatalogue(std::string_view bytes) {
 
 bool cataloguesAreSound(const std::string& directory, const std::string& domain) {
     static std::map<std::string, bool> known;
-    const auto [place, unknown] = known.try_emplace(directory, true);
+    const auto [place, unknown] = known.try_emplace(directory + '/' + domain, true);
     if (unknown) {
         place->second = lookThrough(directory, domain);
     }

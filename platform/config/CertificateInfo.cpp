@@ -11,12 +11,23 @@
 namespace arkeon {
 namespace {
 
+/// What a row of this type says; no row says the empty text.
+std::string_view nameOf(int certType) {
+    switch (certType) {
+    case hostCertificateType:
+        return "host";
+    case clusterCertificateType:
+        return "cluster";
+    default:
+        return {};
+    }
+}
+
 /// Walks the rows of one file in order; stops at the first that matches or cannot be understood.
 class RowFinder {
 public:
     RowFinder(int certType, std::string_view server)
-        : directory_(rootDirectory() + "/etc/"), path_(directory_ + "certificates.toml"),
-          type_(certType == 1 ? "host" : (certType == 2 ? "cluster" : "")), server_(server) {}
+        : path_(certificateInfoFile()), type_(nameOf(certType)), server_(server) {}
 
     int find(CertificateRow& row) const;
 
@@ -30,7 +41,6 @@ private:
     int malformed(const toml::node& node, std::string_view problem) const;
     int noRow() const;
 
-    std::string directory_;
     std::string path_;
     std::string_view type_;
     std::string_view server_;
@@ -42,7 +52,6 @@ int RowFinder::find(CertificateRow& row) const {
     case TomlResult::read:
         return searchFile(root, row);
     case TomlResult::missing:
-        report({path_, ": no such file"});
         return status::noCertificateRow;
     case TomlResult::unreadable:
         break;
@@ -110,7 +119,7 @@ bool RowFinder::take(const toml::table& table, const char* key, std::string& val
 }
 
 std::string RowFinder::resolved(const std::string& path) const {
-    return path.starts_with('/') ? path : directory_ + path;
+    return path.starts_with('/') ? path : path_.substr(0, path_.rfind('/') + 1) + path;
 }
 
 int RowFinder::malformed(const toml::node& node, std::string_view problem) const {

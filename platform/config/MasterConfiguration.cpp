@@ -80,11 +80,8 @@ bool Reader::readCluster(const toml::table& root, OwnedConfig& owned) const {
 
 bool Reader::read(OwnedConfig& owned) const {
     toml::table root;
-    const TomlResult result = readToml(path_, root);
-    if (result == TomlResult::missing) {
-        report({path_, ": no such file"});
-    }
-    return result == TomlResult::read && readPrimaryServer(root, owned) && readCluster(root, owned);
+    return readToml(path_, root) == TomlResult::read && readPrimaryServer(root, owned) &&
+           readCluster(root, owned);
 }
 
 }  // namespace
@@ -92,7 +89,7 @@ bool Reader::read(OwnedConfig& owned) const {
 
 int AK_read_master_config() {
     auto owned = std::make_unique<arkeon::OwnedConfig>();
-    if (!arkeon::Reader(arkeon::rootDirectory() + "/etc/master.toml").read(*owned)) {
+    if (!arkeon::Reader(arkeon::masterConfigFile()).read(*owned)) {
         return arkeon::status::unreadableMasterConfig;
     }
     arkeon::currentConfig() = std::move(owned);

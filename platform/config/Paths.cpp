@@ -51,6 +51,18 @@ std::string rootDirectory() {
     return root.empty() ? "/usr/zelvik/arkeon" : root;
 }
 
+std::string masterConfigFile() {
+    return rootDirectory() + "/etc/master.toml";
+}
+
+std::string certificateInfoFile() {
+    return rootDirectory() + "/etc/certificates.toml";
+}
+
+std::string localeDirectory() {
+    return rootDirectory() + "/locale";
+}
+
 std::string loginFile() {
     const std::string directory = configDirectory();
     return directory.empty() ? std::string() : directory + "/arkeon/logins.json";

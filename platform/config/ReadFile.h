@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cerrno>
 #include <cstddef>
 #include <string>
 #include <sys/stat.h>
@@ -18,6 +19,11 @@ struct FileContent {
     mode_t mode = 0;
     uid_t owner = 0;
 };
+
+/// Whether this error of opening a file says that there is none.
+inline bool isMissingFile(int error) {
+    return error == ENOENT || error == ENOTDIR;
+}
 
 /// Reads a whole regular file of at most `limit` bytes. Never waits: a FIFO or a device is refused,
 /// not opened for a writer to come.

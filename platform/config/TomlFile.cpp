@@ -4,8 +4,6 @@
 #include "config/TomlKeys.h"
 #include "log/Report.h"
 
-#include <cerrno>
-
 namespace arkeon {
 
 namespace {
@@ -22,7 +20,8 @@ std::string place(const std::string& path, const toml::source_region& region) {
 
 TomlResult readToml(const std::string& path, toml::table& table) {
     const FileContent file = readFile(path);
-    if (file.error == ENOENT || file.error == ENOTDIR) {
+    if (isMissingFile(file.error)) {
+        report({path, ": no such file"});
         return TomlResult::missing;
     }
     if (file.error != 0) {

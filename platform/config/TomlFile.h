@@ -7,11 +7,11 @@
 
 namespace arkeon {
 
-/// What became of reading a TOML file.
+/// What became of reading a TOML file; the debug log has the reason where it was not read.
 enum class TomlResult {
     read,
-    missing,    ///< there is no such file; nothing was logged
-    unreadable  ///< it cannot be read or is not TOML; the reason is in the debug log
+    missing,    ///< there is no such file
+    unreadable  ///< it cannot be read or is not TOML
 };
 
 /// Reads `path` into `table`.

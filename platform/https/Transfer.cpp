@@ -207,7 +207,7 @@ int Exchange::perform(Reply& reply) {
 
 int transfer(const Request& request, Credentials& credentials, Reply& reply) {
     return loadClientLibraries() ? Exchange(request, credentials).perform(reply)
-                                 : static_cast<int>(status::clientFailure);
+                                 : status::clientFailure;
 }
 
 }  // namespace arkeon

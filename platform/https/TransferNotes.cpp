@@ -1,6 +1,7 @@
 #include "https/TransferNotes.h"
 
 #include "https/ClientLibraries.h"
+#include "https/ClientLimits.h"
 #include "https/ReplyFraming.h"
 
 #include <algorithm>
@@ -11,10 +12,6 @@
 
 namespace arkeon {
 namespace {
-
-/// Far above what a primary server sends, and below the limit that libcurl has of its own, which it
-/// reports as a broken connection.
-constexpr std::size_t headLimit = std::size_t{256} * 1024;
 
 TransferNotes& notesOf(void* data) {
     return *static_cast<TransferNotes*>(data);
@@ -87,7 +84,7 @@ std::size_t onHeader(char* data, std::size_t one, std::size_t size, void* contex
     const std::string_view line(data, size);
     notes.replyBegun = true;
     notes.headBytes += size;
-    if (notes.headBytes > headLimit) {
+    if (notes.headBytes > largestHead) {
         notes.replyTooLarge = true;
         return 0;
     }
@@ -173,7 +170,7 @@ CURLcode onTlsContext(CURL* /*handle*/, void* sslContext, void* context) {
 
 /// Sets a callback and its context.
 template <typename Callback>
-CURLcode connect(
+CURLcode setCallback(
     CURL* handle, CURLoption function, Callback callback, CURLoption data, TransferNotes& notes) {
     const CURLcode result = client().curl_easy_setopt(handle, function, callback);
     return result == CURLE_OK ? client().curl_easy_setopt(handle, data, static_cast<void*>(&notes))
@@ -185,13 +182,13 @@ CURLcode connect(
 CURLcode takeNotes(CURL* handle, TransferNotes& notes) {
     notes.handle = handle;
     const CURLcode results[] = {
-        connect(handle, CURLOPT_WRITEFUNCTION, onBody, CURLOPT_WRITEDATA, notes),
-        connect(handle, CURLOPT_HEADERFUNCTION, onHeader, CURLOPT_HEADERDATA, notes),
-        connect(handle, CURLOPT_DEBUGFUNCTION, onDebug, CURLOPT_DEBUGDATA, notes),
-        connect(handle, CURLOPT_OPENSOCKETFUNCTION, onSocket, CURLOPT_OPENSOCKETDATA, notes),
-        connect(handle, CURLOPT_PREREQFUNCTION, onRequest, CURLOPT_PREREQDATA, notes),
-        connect(handle, CURLOPT_SSL_CTX_FUNCTION, onTlsContext, CURLOPT_SSL_CTX_DATA, notes),
-        connect(handle, CURLOPT_XFERINFOFUNCTION, onProgress, CURLOPT_XFERINFODATA, notes),
+        setCallback(handle, CURLOPT_WRITEFUNCTION, onBody, CURLOPT_WRITEDATA, notes),
+        setCallback(handle, CURLOPT_HEADERFUNCTION, onHeader, CURLOPT_HEADERDATA, notes),
+        setCallback(handle, CURLOPT_DEBUGFUNCTION, onDebug, CURLOPT_DEBUGDATA, notes),
+        setCallback(handle, CURLOPT_OPENSOCKETFUNCTION, onSocket, CURLOPT_OPENSOCKETDATA, notes),
+        setCallback(handle, CURLOPT_PREREQFUNCTION, onRequest, CURLOPT_PREREQDATA, notes),
+        setCallback(handle, CURLOPT_SSL_CTX_FUNCTION, onTlsContext, CURLOPT_SSL_CTX_DATA, notes),
+        setCallback(handle, CURLOPT_XFERINFOFUNCTION, onProgress, CURLOPT_XFERINFODATA, notes),
         client().curl_easy_setopt(handle, CURLOPT_NOPROGRESS, 0L),
         // The debug callback is called only then; it takes the place of the output to stderr.
         client().curl_easy_setopt(handle, CURLOPT_VERBOSE, 1L)};

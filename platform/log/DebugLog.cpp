@@ -58,7 +58,6 @@ void logmsg(int level, std::initializer_list<std::string_view> pieces, std::stri
         arkeon::appendLine(level, pieces, name);
     } catch (const std::exception&) {
         // Without memory for the line there is none.
-        errno = callersErrno;
     }
     errno = callersErrno;
 }

@@ -97,7 +97,7 @@ int notJson(std::string_view path, const json_error_t& error) {
 int LoginFile::read(const std::string& path) {
     path_ = path;
     const FileContent file = readFile(path);
-    if (file.error == ENOENT || file.error == ENOTDIR) {
+    if (isMissingFile(file.error)) {
         report({"no login file: \"", path, "\""});
         return status::notLoggedIn;
     }

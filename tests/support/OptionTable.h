@@ -20,23 +20,19 @@ struct OptionRow {
 /// required, and no value is restricted.
 template <typename Class>
 void expectTable(const std::string& operationName, const std::vector<OptionRow>& rows) {
-    class Open : public Class {
-    public:
-        using Class::Class;
-        const CParameterscmd& table() const { return this->params; }
-    };
     LogLines lines;
-    const Open operation(parsed({operationName}), lines.log);
-    ASSERT_EQ(operation.table().size(), rows.size());
+    const Class operation(parsed({operationName}), lines.log);
+    const CParameterscmd& table = operation.parameters();
+    ASSERT_EQ(table.size(), rows.size());
     for (std::uint32_t id = 1; id <= rows.size(); ++id) {
-        const PARAMETERS& row = operation.table().at(id);
+        const PARAMETERS& row = table.at(id);
         const OptionRow& expected = rows[id - 1];
         EXPECT_EQ(row.name, expected.name);
         EXPECT_EQ(row.alias, expected.alias);
         EXPECT_EQ(row.type, expected.type) << row.name;
         EXPECT_EQ(row.required, 0U) << row.name;
         EXPECT_EQ(row.allowedValues, nullptr) << row.name;
-        EXPECT_EQ(operation.table().find(row.name)->first, id) << "no other row's alias";
-        EXPECT_EQ(operation.table().find(row.alias)->first, id) << "no other row's name";
+        EXPECT_EQ(table.find(row.name)->first, id) << "no other row's alias";
+        EXPECT_EQ(table.find(row.alias)->first, id) << "no other row's name";
     }
 }

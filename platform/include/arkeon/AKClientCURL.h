@@ -16,7 +16,8 @@ enum class AKCurlSessionType { rest = 1 };
 /// environment says. Clients of one process share connections, so that requests to the same server
 /// and port need one TLS handshake. A request is given up with 7622 when connecting takes 30 s or
 /// the transfer moves less than a byte a second for 120 s, and with 7628 when the decoded body
-/// passes 2 GiB or the head 256 KiB. The first request takes SSLKEYLOGFILE out of the environment.
+/// passes 2 GiB or the head 256 KiB. The first request takes SSLKEYLOGFILE, HOSTALIASES and
+/// LOCALDOMAIN out of the environment.
 ///
 /// Every method that sends returns 0 when a whole reply arrived, whatever its HTTP status, or a
 /// status code of arkeon/status.h; the reason is in the debug log. Nothing throws.

@@ -22,9 +22,10 @@ inline constexpr int handshakeFailed = 7624;  ///< TLS failed otherwise, or refu
 inline constexpr int connectionBroke = 7625;  ///< the connection broke before the reply was whole
 inline constexpr int invalidServerName = 7626;      ///< the server name is none
 inline constexpr int invalidRequestAddress = 7627;  ///< a URI or header line that must not be sent
-inline constexpr int replyTooLarge = 7628;          ///< the decoded body is over the limit
-inline constexpr int clientFailure = 7629;          ///< any other failure of the client
-inline constexpr int noCertificateRow = 7640;       ///< no certificate information for this server
+inline constexpr int replyTooLarge =
+    7628;  ///< the body, the head or a line of it is over its limit
+inline constexpr int clientFailure = 7629;     ///< any other failure of the client
+inline constexpr int noCertificateRow = 7640;  ///< no certificate information for this server
 inline constexpr int malformedCertificateInfo = 7641;  ///< certificate information is unreadable
 inline constexpr int unusableCertificate = 7642;   ///< a certificate, key or CA file cannot be used
 inline constexpr int openPrivateKey = 7643;        ///< the private key's permissions are too open
