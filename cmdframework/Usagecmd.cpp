@@ -17,6 +17,8 @@ constexpr MessageRow messageTable[] = {
      catalogued("SmeEmm0005N", "The following option is required and was not specified:")},
     {commandOptionHasValue,
      catalogued("SmeEmm0004N", "There is no value associated with the command option")},
+    // Translators: leave this text as it is. In any other words a request for help is shown as a
+    // failure and ends with status 144.
     {helpRequested, catalogued("SmeEmm0018N", "Help requested.")},
     {optionRepeated, catalogued("SmeEmm0029N", "The following option was entered more than once:")},
     {notAnUnsignedInteger,
