@@ -97,7 +97,8 @@ class Case:
 def cases(tool, devserver, names, jobs, folder):
     """The cases of the files with these names, against `tool`."""
     options = types.SimpleNamespace(
-        tool=str(tool), devserver=str(devserver), make_certificates=None, jobs=jobs, define=[]
+        tool=str(tool), devserver=str(devserver), make_certificates=None, jobs=jobs, define=[],
+        marked=False,
     )
     folder.mkdir()
     stage = run_cases.Stage(options, folder)

@@ -20,6 +20,7 @@ import tempfile
 import threading
 
 import case_files
+import marked_language
 import sandbox
 import scripted_server
 
@@ -36,6 +37,9 @@ def arguments():
     parser.add_argument("--filter", default="*", help="only cases whose name matches")
     parser.add_argument("--jobs", type=int, default=4)
     parser.add_argument("--every", type=int, default=1, metavar="N", help="only every Nth case")
+    parser.add_argument(
+        "--marked", action="store_true", help="in a language whose every text is marked"
+    )
     parser.add_argument("--list", action="store_true", help="show the names, run nothing")
     parser.add_argument(
         "--define", action="append", default=[], metavar="NAME=VALUE", help="a placeholder"
@@ -50,6 +54,8 @@ class Stage:
     def __init__(self, options, folder):
         self.tool = options.tool
         self.folder = folder
+        self.language = language_of(options)
+        self.language_files = self.language.files(folder)
         self.defined = dict(each.split("=", 1) for each in options.define)
         addresses = [scripted_server.random_address() for _ in range(4 * options.jobs)]
         self.certificates = sandbox.Certificates(options.devserver, folder / "ours", addresses)
@@ -137,14 +143,15 @@ def run_case(stage, case, texts, standard_files):
             bystander = stage.bystander() if case.get("bystander") else None
             known["bystander"] = bystander.address if bystander else ""
             box = sandbox.Sandbox(folder, known, stage.certificates, stage.stranger)
-            box.make_files(standard_files + case["files"], texts)
+            case = stage.language.expected(case, texts, known)
+            box.make_files(standard_files + stage.language_files + case["files"], texts)
             box.note_files()
             if case.get("unprivileged") and os.geteuid() == 0:
                 box.give_to(sandbox.NOBODY)
             serves = listener and kind != "silent"  # a silent listener leaves clients waiting
             server = stage.server(case, listener, texts, known) if serves else None
             try:
-                run = start(stage.tool_for(case), case, texts, known, folder, server)
+                run = start(stage, case, texts, known, folder, server)
             finally:
                 if server:
                     server.stop()
@@ -152,34 +159,40 @@ def run_case(stage, case, texts, standard_files):
                     listener.close()
                 if bystander:
                     bystander.stop()
-            return Verdict(case, texts, known).differences(run, server, box, bystander)
+            verdict = Verdict(case, texts, known, stage.language)
+            return verdict.differences(run, server, box, bystander)
     finally:
         stage.give_back(address, kind)
 
 
-def start(tool, case, texts, known, folder, server):
+def start(stage, case, texts, known, folder, server):
     environment = {"PATH": os.environ["PATH"]}
     for variable, value in case["environment"].items():
         if value is not False:
             environment[variable] = texts.string(value, known)
     arguments = [texts.bytes(each, known) for each in case["args"]]
     stdin = texts.bytes(case["stdin"], known)
-    return sandbox.Run(tool, case, arguments, stdin, environment, folder, server)
+    return sandbox.Run(
+        stage.tool_for(case), case, arguments, stdin, environment, folder, server,
+        lambda printed: stage.language.plain("stdout", printed)[0],
+    )  # fmt: skip
 
 
 class Verdict:
     """Compares what a run did with what its case expects."""
 
-    def __init__(self, case, texts, known):
+    def __init__(self, case, texts, known, language):
         self._case = case
         self._texts = texts
         self._known = known
+        self._language = language
         self._found = []
 
     def differences(self, run, server, box, bystander):
         self._status(run)
-        self._same_bytes("stdout", self._bytes(self._case["stdout"]), run.out.data)
-        self._standard_error(run.err.data)
+        stdout = self._english("stdout", run.out.data)
+        self._same_bytes("stdout", self._bytes(self._case["stdout"]), stdout)
+        self._standard_error(self._english("stderr", run.err.data))
         if server:
             self._requests(server)
         if bystander:
@@ -190,6 +203,11 @@ class Verdict:
         self._same_bytes("seen", self._bytes(self._case.get("seen", "")), run.seen)
         self._secret(run, box)
         return self._found
+
+    def _english(self, what, found):
+        text, problems = self._language.plain(what, found)
+        self._found += problems
+        return text
 
     def _secret(self, run, box):
         """The token is in no output and in no file but the user's logins."""
@@ -266,7 +284,8 @@ class Verdict:
             match = LOG_LINE.fullmatch(line)
             if not match or int(match[1]) != pid:
                 self._found.append(f"log: no line of process {pid}: {line!r}")
-            texts.append(match[2] if match else line)
+            text = match[2] if match else line
+            texts.append(self._english("log", text.encode()).decode())
         return texts
 
     def _log(self, found):
@@ -284,13 +303,18 @@ class Verdict:
             self._found += [f"log: has {text!r}: {line}" for line in found if text in line]
 
 
+def language_of(options):
+    return marked_language.Marked() if options.marked else marked_language.English()
+
+
 def chosen_cases(options):
     chosen = []
+    language = language_of(options)
     for path in options.case_files:
         cases, texts, standard_files = case_files.load(path)
         label = pathlib.Path(path).stem
         for case in cases:
-            if fnmatch.fnmatch(case["name"], options.filter):
+            if fnmatch.fnmatch(case["name"], options.filter) and language.speaks(case):
                 chosen.append((f"{label}: {case['name']}", case, texts, standard_files))
     return chosen[:: options.every]
 

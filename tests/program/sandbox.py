@@ -183,15 +183,16 @@ class Run:
     """The tool's run and what came of it: `status` (negative: the signal), outputs, `pid`.
 
     `killed_by` strikes once `server` has got the requests of the case; `seen` is what others can
-    see of the process then.
+    see of the process then. `english` gives the English for what was printed, as prompts are.
     """
 
-    def __init__(self, tool, case, arguments, stdin, environment, folder, server):
+    def __init__(self, tool, case, arguments, stdin, environment, folder, server, english):
         terminals = case.get("tty", [])
         self.out = Stream(case["stdout_to"], "stdout" in terminals)
         self.err = Stream(case["stderr_to"], "stderr" in terminals)
         self.problems = []
         self._dialogue = case.get("dialogue", [])
+        self._english = english
         self._ended = threading.Event()
         self._typed = "stdin" in terminals
         keyboard, child = standard_input(case["stdin_from"], self._typed)
@@ -259,7 +260,7 @@ class Run:
 
     def _await(self, prompt):
         until = time.monotonic() + 10
-        while not self.out.data.endswith(prompt.encode()):
+        while not self._english(self.out.data).endswith(prompt.encode()):
             if self._ended.is_set() or time.monotonic() > until:
                 self.problems.append(f"the prompt did not come: {prompt!r}")
                 return
