@@ -46,7 +46,7 @@ def _status_texts():
     literals = r'((?:"(?:[^"\\]|\\.)*"\s*)+)'
     row = re.compile(r'"Status(\d+|Unknown)",(?:[^"]*,)?\s*' + literals)
     texts = {}
-    for code, text in row.findall(STATUS_TEXTS.read_text()):
+    for code, text in row.findall(STATUS_TEXTS.read_text("utf-8")):
         parts = re.findall(r'"((?:[^"\\]|\\.)*)"', text)
         texts[code] = "".join(json.loads(f'"{part}"') for part in parts)
     return texts
@@ -122,11 +122,11 @@ def _content(path):
     """What a case file holds: TOML, or a Python program's CASES of the same form."""
     if path.suffix == ".py":
         return runpy.run_path(str(path))["CASES"]
-    return tomllib.loads(path.read_text())
+    return tomllib.loads(path.read_text("utf-8"))
 
 
 def _shared():
-    return tomllib.loads((FOLDER / "defaults.toml").read_text())
+    return tomllib.loads((FOLDER / "defaults.toml").read_text("utf-8"))
 
 
 def shared_text(name):
