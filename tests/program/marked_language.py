@@ -53,6 +53,8 @@ class English:
 
 
 class Marked:
+    """The language itself; its catalogue is made from the template."""
+
     def __init__(self):
         self._entries = po_file.read(PROJECT / "po" / "akhostmgmt.pot")
         self._shown = {entry.context: self._fitting(entry) for entry in self._entries}
