@@ -18,6 +18,7 @@ FILES = ["hosts.csv", "sub"]  # what is in the folder where the lines are typed;
 SECONDS = 60  # how long a shell may take for an answer
 TAB = b"\t"
 LEFT = "\x02"  # moves the cursor
+CLEAR = b"\x15"
 DUMP = b"\x18d"
 INSERT = b"\x18i"
 
@@ -112,7 +113,7 @@ class Terminal:
     def close(self):
         """Has the shell end as its user does; kills it where it does not."""
         if self._process.poll() is None:
-            os.write(self._own, b"exit\n")
+            os.write(self._own, CLEAR + b"exit\n")
         with contextlib.suppress(OSError):  # that the other end has gone
             self._wait_for_end()
         with contextlib.suppress(ProcessLookupError):
