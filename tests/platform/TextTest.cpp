@@ -5,6 +5,7 @@
 #include "text/Utf8.h"
 
 #include <array>
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -79,6 +80,13 @@ TEST(BoundedFormat, FormatsWhatFits) {
     std::array<char, 16> buffer{};
     EXPECT_EQ(boundedFormat(buffer.data(), buffer.size(), "%s (%d)", "text", 12), 9U);
     EXPECT_STREQ(buffer.data(), "text (12)");
+}
+
+TEST(BoundedFormat, EmptyTextIsNoFailure) {
+    std::array<char, 4> buffer{"abc"};
+    errno = ENOMEM;  // of something before
+    EXPECT_EQ(boundedFormat(buffer.data(), buffer.size(), "%s", ""), 0U);
+    EXPECT_STREQ(buffer.data(), "");
 }
 
 TEST(BoundedFormat, CutsAndTerminates) {
