@@ -17,6 +17,13 @@ target_compile_options(akhostmgmt_hardening INTERFACE
 target_link_options(akhostmgmt_hardening INTERFACE
   -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack -Wl,--as-needed)
 
+# Programs bear no name of the folder that they were built in, so that the same sources give the same
+# bytes anywhere. The last name counts first: the build folder lies in the source folder.
+add_library(akhostmgmt_reproducible INTERFACE)
+target_compile_options(akhostmgmt_reproducible INTERFACE
+  $<$<CONFIG:RelWithDebInfo,Release>:-ffile-prefix-map=${CMAKE_SOURCE_DIR}=.
+  -ffile-prefix-map=${CMAKE_BINARY_DIR}=build>)
+
 add_library(akhostmgmt_sanitizers INTERFACE)
 target_compile_options(akhostmgmt_sanitizers INTERFACE
   -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
@@ -44,6 +51,7 @@ target_compile_options(akhostmgmt_test_settings INTERFACE
 add_library(akhostmgmt_settings INTERFACE)
 target_link_libraries(akhostmgmt_settings INTERFACE
   akhostmgmt_warnings
+  akhostmgmt_reproducible
   $<$<NOT:$<BOOL:${AKHOSTMGMT_SANITIZE}>>:akhostmgmt_hardening>
   $<$<BOOL:${AKHOSTMGMT_SANITIZE}>:akhostmgmt_sanitizers>
   $<$<BOOL:${AKHOSTMGMT_COVERAGE}>:akhostmgmt_coverage>)
