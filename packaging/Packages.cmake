@@ -29,8 +29,8 @@ set(devserver_description
 database of samples, and misbehaves as it is told. It is for trying out and
 testing only, and no substitute for a primary server.")
 
-# The tool's own build of libcurl is linked with OpenSSL, so that the dependency is found. Without it
-# the tool loads all of them by itself.
+# The tool's own build of libcurl is linked with OpenSSL, so that the dependency is found. Without
+# it the tool loads all of them by itself.
 if(TARGET arkeon_curl)
   set(CPACK_DEBIAN_TOOL_PACKAGE_RECOMMENDS "logrotate, libcurl4")
 else()

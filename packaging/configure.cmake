@@ -1,7 +1,8 @@
 # Read by CPack before it makes the packages of one kind: their date, their changelogs, and the
 # dependencies of the Debian packages.
 
-# SOURCE_DATE_EPOCH is the caller's, else the time of the last commit, else that of the project file.
+# SOURCE_DATE_EPOCH is the caller's, else the time of the last commit, else that of the project
+# file.
 if(NOT DEFINED ENV{SOURCE_DATE_EPOCH})
   execute_process(
     COMMAND git -c safe.directory=* -C ${CPACK_AKHOSTMGMT_SOURCES} log -1 --format=%ct
