@@ -121,12 +121,13 @@ class Site:
                 file.write("# edited by the site\n")
 
     def belongings(self):
-        """Paths, modes and contents of the site's files, and who may use the logs."""
+        """The site's files and folders, with contents, modes and access lists."""
         etc = sorted(self._root.at(f"{PLATFORM}/etc").iterdir())
-        files = [*etc, self._root.at(ROTATION), *self.logs()]
-        facts = [(str(file), file.stat().st_mode, file.read_bytes()) for file in files]
-        access = self._root.must("getfacl", "-p", f"{PLATFORM}/logs", LOGS)
-        return [*facts, access]
+        rotation = self._root.at(ROTATION)
+        files = [*etc, *self.logs(), *([rotation] if rotation.exists() else [])]
+        facts = {str(file): (file.stat().st_mode, file.read_bytes()) for file in files}
+        folders = (f"{PLATFORM}/logs", LOGS)
+        return facts | {path: self._root.must("getfacl", "-p", path) for path in folders}
 
     def rotate(self):
         """The rotation leaves the log of today alone, and takes care of the older ones."""

@@ -17,14 +17,14 @@ ENVIRONMENT = {"PATH": "/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL": "C.UTF-8", "HO
                "DEBIAN_FRONTEND": "noninteractive"}  # fmt: skip
 
 
-class NotPossible(Exception):
-    """What the machine does not allow."""
+class Failure(Exception):
+    """A command that had to succeed did not."""
 
 
 def command(*words):
     run = subprocess.run(words, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
     if run.returncode != 0:
-        raise NotPossible(f"{' '.join(map(str, words))}: {run.stdout.strip()}")
+        raise Failure(f"{' '.join(map(str, words))}: {run.stdout.strip()}")
 
 
 def start_loopback():
@@ -68,7 +68,7 @@ class Root:
         """The same for one that has to succeed: what it wrote."""
         status, text = self.run(*words, **options)
         if status != 0:
-            raise RuntimeError(f"{' '.join(words)}: status {status}: {text}")
+            raise Failure(f"{' '.join(words)}: status {status}: {text}")
         return text
 
     def start(self, *words):
