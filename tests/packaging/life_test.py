@@ -3,6 +3,7 @@
 and purged, by dpkg and by rpm. To be run by the superuser in the namespaces of throwaway_root."""
 
 import argparse
+import os
 import pathlib
 import shutil
 import sys
@@ -171,6 +172,7 @@ def main():
     for name in ("--packages", "--older", "--installed"):
         parser.add_argument(name, type=pathlib.Path, required=True)
     arguments = parser.parse_args()
+    os.umask(0o022)
     checks = Checks()
     newer, older = Packages(arguments.packages), Packages(arguments.older)
     start_loopback()
