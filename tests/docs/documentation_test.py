@@ -110,6 +110,8 @@ class Reader:
         commands = pages.commands(text)
         if all(is_known(command) or self._chooses_tests(command) for command in commands):
             return len(commands)
+        if not any(name in text for name in self._programs):
+            raise Fault(f"{place}: commands.toml does not say who runs this")
         served = all(sessions.SERVING.match(command) for command in commands)
         for command in commands if served else [text]:
             shown, status = desk.run(command)
