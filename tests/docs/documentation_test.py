@@ -127,7 +127,7 @@ class Reader:
                 unknown = set(map(str.lower, TOOL_OPTION.findall(span))) - self._options
                 if unknown - {"operation"}:
                     raise Fault(f"{page.name}: `{span}`: the tool has no {', '.join(unknown)}")
-            elif first.startswith(("scripts/", ".ci/")) and not os.access(TOP / first, os.X_OK):
+            elif first.startswith(("scripts/", ".ci/")) and not is_script(TOP / first):
                 raise Fault(f"{page.name}: `{span}`: there is no such script")
             elif first == "ctest":
                 self._chooses_tests(span)
@@ -152,6 +152,10 @@ class Reader:
                 raise Fault(f"{page.name}: {target}: the page has no such heading")
             if path.suffix == ".svg":
                 check_picture(path)
+
+
+def is_script(path):
+    return os.access(path, os.X_OK) or (path.suffix == ".sh" and path.exists())
 
 
 def with_end(shown):
