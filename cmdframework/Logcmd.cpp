@@ -1,6 +1,5 @@
 #include "cmdframework/Logcmd.h"
 
-#include "arkeon/debug_log.h"
 #include "arkeon/text.h"
 #include "cmdframework/Messages.h"
 #include "cmdframework/Runtimecmd.h"
@@ -80,7 +79,7 @@ void CLogcmd::logit(
 }
 
 void CLogcmd::logit(const CRuntimecmd& failure) const {
-    std::array<char, 1024> text{};
+    std::array<char, failureTextSize> text{};
     getMessage(
         text.data(), text.size(), runTimeFailure.id, runTimeFailure.text, nullptr, nullptr,
         nullptr);

@@ -1,18 +1,14 @@
 #pragma once
 
+#include "arkeon/debug_log.h"
+
 #include <initializer_list>
 #include <string>
 #include <string_view>
 
 class CRuntimecmd;
 
-/// Levels of log lines.
-namespace logLevel {
-
-inline constexpr int ordinary = 2;
-inline constexpr int failure = 16;
-
-}  // namespace logLevel
+namespace logLevel = arkeon::logLevel;
 
 /// The framework's front to the debug log. The driver's object opens the log; every other object
 /// writes to the same one.

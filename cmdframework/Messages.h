@@ -40,6 +40,9 @@ const char* getECMessage(int status);
 /// The line in which a status and its text are shown: "Exit Status N: text", with its newline.
 std::string statusLine(int status, const std::string& text);
 
+/// Room for the text of a failure, its terminator included.
+inline constexpr unsigned long failureTextSize = 1024;
+
 /// Room for the text of an operation, its terminator included.
 inline constexpr unsigned long operationTextSize = 8192;
 

@@ -55,20 +55,20 @@ CRuntimecmd::CRuntimecmd(
 }
 
 const char* CRuntimecmd::message(runTimeExceptions code) const {
-    static std::array<char, 1024> buffer;
+    static std::array<char, failureTextSize> buffer;
     const CatalogueText& text = textOf(code);
     getMessage(buffer.data(), buffer.size(), text.id, text.text, nullptr, nullptr, nullptr);
     return buffer.data();
 }
 
 const char* CRuntimecmd::message(runTimeExceptions code, const char* detail) const {
-    static std::array<char, 1024> buffer;
+    static std::array<char, failureTextSize> buffer;
     boundedFormat(buffer.data(), buffer.size(), "%s\"%s\"\n", message(code), detail);
     return buffer.data();
 }
 
 const char* CRuntimecmd::message(runTimeExceptions code, int status) const {
-    static std::array<char, 1024> buffer;
+    static std::array<char, failureTextSize> buffer;
     boundedFormat(
         buffer.data(), buffer.size(), "%s\n%s (%d)", message(code), getECMessage(status), status);
     return buffer.data();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "cmdframework/Messages.h"
+
 #include <array>
 #include <cstdint>
 
@@ -54,6 +56,6 @@ public:
     const char* message(runTimeExceptions code, int status) const;
 
 private:
-    std::array<char, 1024> text_{};
+    std::array<char, failureTextSize> text_{};
     std::int32_t status_;
 };

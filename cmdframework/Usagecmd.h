@@ -1,5 +1,7 @@
 #pragma once
 
+#include "cmdframework/Messages.h"
+
 #include <array>
 #include <cstdint>
 
@@ -59,5 +61,5 @@ public:
     void message(char* buf, unsigned long size, usageExceptions code, const char* detail) const;
 
 private:
-    std::array<char, 1024> text_{};
+    std::array<char, failureTextSize> text_{};
 };

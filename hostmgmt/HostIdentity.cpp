@@ -46,7 +46,7 @@ std::string AkHostMgmtBaseOption::getMasterServer() const {
         return valueOf(option::server);
     }
     if (const CatalogueText* fault = masterConfigFault(); fault != nullptr) {
-        std::array<char, 1024> text{};
+        std::array<char, failureTextSize> text{};
         getMessage(text.data(), text.size(), fault->id, fault->text, commandName, nullptr, nullptr);
         Console::standard().writeError(std::string(text.data()) + "\n");
         operationLog.logit(text.data(), logLevel::failure);

@@ -50,6 +50,7 @@ constexpr CatalogueText labels[] = {
     catalogued("SmeHmm0067N", "Arkeon CA Issued Certificate"),
     catalogued("SmeHmm0168N", "Trust Version"),
 };
+static_assert(std::size(labels) == static_cast<std::size_t>(HeaderType::trustVersion) + 1);
 
 }  // namespace
 

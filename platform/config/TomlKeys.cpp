@@ -1,13 +1,11 @@
 #include "config/TomlKeys.h"
 
+#include "text/Utf8.h"
+
 #include <algorithm>
 
 namespace arkeon {
 namespace {
-
-bool isContinuation(char byte) {
-    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
-}
 
 /// Walks a TOML text (TOML 1.0) past its strings and comments. What is no TOML is the library's to
 /// refuse, which makes no tables of what comes after it.
@@ -98,7 +96,7 @@ TextPlace Scanner::place() const {
     const std::string_view before = text_.substr(0, at_);
     const std::string_view line = before.substr(before.rfind('\n') + 1);
     const auto letters = std::count_if(
-        line.begin(), line.end(), [](char letter) { return !isContinuation(letter); });
+        line.begin(), line.end(), [](char letter) { return !isUtf8Continuation(letter); });
     const auto lines = std::count(before.begin(), before.end(), '\n');
     return {static_cast<std::size_t>(lines) + 1, static_cast<std::size_t>(letters) + 1};
 }

@@ -1,14 +1,11 @@
 #include "https/RequestText.h"
 
+#include "text/Ascii.h"
+
 #include <algorithm>
 
 namespace arkeon {
 namespace {
-
-bool isAlphanumeric(char letter) {
-    return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') ||
-           (letter >= '0' && letter <= '9');
-}
 
 bool isUnreserved(char letter) {
     return isAlphanumeric(letter) ||
@@ -19,12 +16,6 @@ bool isUnreserved(char letter) {
 bool isTokenByte(char letter) {
     return isAlphanumeric(letter) ||
            std::string_view("!#$%&'*+-.^_`|~").find(letter) != std::string_view::npos;
-}
-
-bool isControl(char letter) {
-    constexpr unsigned char deleteByte = 0x7F;
-    const auto byte = static_cast<unsigned char>(letter);
-    return byte < ' ' || byte == deleteByte;
 }
 
 bool isFieldName(std::string_view name) {

@@ -1,5 +1,6 @@
 #include "https/ServerAddress.h"
 
+#include "text/Ascii.h"
 #include "text/ServerNames.h"
 
 #include <algorithm>
@@ -9,13 +10,8 @@
 namespace arkeon {
 namespace {
 
-bool isDigit(char letter) {
-    return letter >= '0' && letter <= '9';
-}
-
 bool isLabelByte(char letter) {
-    return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') ||
-           isDigit(letter) || letter == '-' || letter == '_';
+    return isAlphanumeric(letter) || letter == '-' || letter == '_';
 }
 
 bool isLabel(std::string_view label) {

@@ -1,20 +1,13 @@
 #include "log/LogLine.h"
 
 #include "arkeon/text.h"
+#include "text/Ascii.h"
 #include "text/Utf8.h"
 
 #include <array>
 
 namespace arkeon {
 namespace {
-
-void appendHex(std::string& line, char letter) {
-    constexpr std::string_view digits = "0123456789abcdef";
-    const unsigned byte = static_cast<unsigned char>(letter);
-    line += "\\x";
-    line += digits[byte >> 4U];
-    line += digits[byte & 0xFU];
-}
 
 void appendControl(std::string& line, char letter) {
     if (letter == '\n') {
@@ -29,7 +22,7 @@ void appendControl(std::string& line, char letter) {
 /// C0 and DEL; C1 as well as a single byte, which a terminal in an 8-bit character set obeys.
 bool isControlByte(char letter) {
     const unsigned byte = static_cast<unsigned char>(letter);
-    return byte < 0x20U || (byte >= 0x7FU && byte <= 0x9FU);
+    return isControl(letter) || (byte >= 0x80U && byte <= 0x9FU);
 }
 
 /// Appends `text` with its control characters in a visible form; other bytes stay as they are.

@@ -5,8 +5,7 @@
 namespace arkeon {
 
 void report(std::initializer_list<std::string_view> pieces) {
-    constexpr int failureLevel = 16;
-    logmsg(failureLevel, pieces, "arkeon");
+    logmsg(logLevel::failure, pieces, "arkeon");
 }
 
 }  // namespace arkeon

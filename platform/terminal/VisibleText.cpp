@@ -1,17 +1,9 @@
 #include "arkeon/console.h"
+#include "text/Ascii.h"
 #include "text/Utf8.h"
 
 namespace arkeon {
 namespace {
-
-constexpr unsigned deleteByte = 0x7F;
-
-void appendHex(std::string& shown, unsigned byte) {
-    constexpr std::string_view digits = "0123456789abcdef";
-    shown += "\\x";
-    shown += digits[byte >> 4U];
-    shown += digits[byte & 0xFU];
-}
 
 /// `^X`: the key that types the control character.
 void appendCaret(std::string& shown, unsigned byte) {
@@ -21,8 +13,7 @@ void appendCaret(std::string& shown, unsigned byte) {
 }
 
 bool isShownAsCaret(char letter) {
-    const unsigned byte = static_cast<unsigned char>(letter);
-    return (byte < ' ' && letter != '\n' && letter != '\t') || byte == deleteByte;
+    return isControl(letter) && letter != '\n' && letter != '\t';
 }
 
 /// Appends the first letter or byte of `text` in visible form.
@@ -30,11 +21,11 @@ bool isShownAsCaret(char letter) {
 std::size_t appendVisible(std::string& shown, std::string_view text) {
     const std::size_t length = utf8LetterLength(text);
     if (length == 0) {
-        appendHex(shown, static_cast<unsigned char>(text[0]));
+        appendHex(shown, text[0]);
         return 1;
     }
     if (startsWithUtf8C1(text)) {
-        appendHex(shown, static_cast<unsigned char>(text[1]));
+        appendHex(shown, text[1]);
     } else if (isShownAsCaret(text[0])) {
         appendCaret(shown, static_cast<unsigned char>(text[0]));
     } else {

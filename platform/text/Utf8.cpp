@@ -9,10 +9,6 @@ unsigned byteAt(std::string_view text, std::size_t index) {
     return static_cast<unsigned char>(text[index]);
 }
 
-bool isContinuation(unsigned byte) {
-    return (byte & 0xC0U) == 0x80U;
-}
-
 /// What may follow a lead byte: the number of bytes and the range of the second one, which keeps
 /// out overlong forms, surrogates and everything above U+10FFFF (RFC 3629, section 4).
 struct LeadByte {
@@ -57,7 +53,7 @@ std::size_t utf8LetterLength(std::string_view text) {
         return 0;
     }
     for (std::size_t index = 2; index < lead.length; ++index) {
-        if (!isContinuation(byteAt(text, index))) {
+        if (!isUtf8Continuation(text[index])) {
             return 0;
         }
     }
@@ -86,7 +82,7 @@ std::string_view cutText(std::string_view text, std::size_t limit) {
     }
     for (std::size_t back = 1; back <= limit; ++back) {
         const std::size_t start = limit - back;
-        if (!isContinuation(byteAt(text, start))) {
+        if (!isUtf8Continuation(text[start])) {
             const bool split = utf8LetterLength(text.substr(start)) > back;
             return text.substr(0, split ? start : limit);
         }

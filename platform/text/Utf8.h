@@ -9,6 +9,11 @@ namespace arkeon {
 /// there is none: the text is empty, ill-formed or ends inside the letter.
 std::size_t utf8LetterLength(std::string_view text);
 
+/// Whether a byte goes on with a letter that began before it.
+constexpr bool isUtf8Continuation(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+}
+
 /// Whether `text` starts with a C1 control character (U+0080 to U+009F) in UTF-8 form.
 bool startsWithUtf8C1(std::string_view text);
 

@@ -10,6 +10,14 @@
 /// can forge a line; one final newline is dropped; a text over 64 KiB is cut and the line says how
 /// long it was.
 
+/// The levels of lines: 2 for what happens, 16 for what fails.
+namespace arkeon::logLevel {
+
+inline constexpr int ordinary = 2;
+inline constexpr int failure = 16;
+
+}  // namespace arkeon::logLevel
+
 /// Opens `root/directory/NAME.YYYYMMDD.log` (local date) for appending, creating it with `mode`
 /// less the umask. Anything but a regular file with a single link is refused without waiting for
 /// it: a symbolic link, a hard link, a FIFO, a device.
