@@ -1,54 +1,18 @@
 #include "devserver/CertificateAuthority.h"
 
-#include <openssl/bio.h>
-#include <openssl/err.h>
-#include <openssl/evp.h>
+#include "devserver/Failure.h"
+#include "devserver/OpenSsl.h"
+
 #include <openssl/pem.h>
-#include <openssl/rand.h>
-#include <openssl/x509.h>
-#include <openssl/x509v3.h>
 
 #include <arpa/inet.h>
 
 #include <array>
-#include <stdexcept>
 #include <utility>
 
 namespace devserver {
 
 namespace {
-
-/// Gives an object of OpenSSL back by its own function.
-template <auto release>
-struct Release {
-    template <typename T>
-    void operator()(T* pointer) const {
-        release(pointer);
-    }
-};
-
-using KeyPtr = std::unique_ptr<EVP_PKEY, Release<EVP_PKEY_free>>;
-using CertificatePtr = std::unique_ptr<X509, Release<X509_free>>;
-using BioPtr = std::unique_ptr<BIO, Release<BIO_free>>;
-using ExtensionPtr = std::unique_ptr<X509_EXTENSION, Release<X509_EXTENSION_free>>;
-using NumberPtr = std::unique_ptr<BIGNUM, Release<BN_free>>;
-using NamesPtr = std::unique_ptr<GENERAL_NAMES, Release<GENERAL_NAMES_free>>;
-using NamePtr = std::unique_ptr<GENERAL_NAME, Release<GENERAL_NAME_free>>;
-
-[[noreturn]] void fail(const std::string& step) {
-    std::array<char, 256> reason{};
-    const unsigned long code = ERR_get_error();
-    ERR_error_string_n(code, reason.data(), reason.size());
-    ERR_clear_error();
-    throw std::runtime_error(
-        "cannot " + step + (code == 0 ? "" : ": " + std::string(reason.data())));
-}
-
-void require(bool done, const char* step) {
-    if (!done) {
-        fail(step);
-    }
-}
 
 std::string textOf(BIO* memory) {
     char* data = nullptr;
@@ -57,49 +21,39 @@ std::string textOf(BIO* memory) {
 }
 
 std::string toPem(X509* certificate) {
-    const BioPtr memory(BIO_new(BIO_s_mem()));
-    require(memory && PEM_write_bio_X509(memory.get(), certificate) == 1, "write a certificate");
+    const Owned<BIO> memory(BIO_new(BIO_s_mem()));
+    requireDone(
+        memory && PEM_write_bio_X509(memory.get(), certificate) == 1, "write a certificate");
     return textOf(memory.get());
 }
 
 std::string toPem(EVP_PKEY* key) {
-    const BioPtr memory(BIO_new(BIO_s_mem()));
-    require(
+    const Owned<BIO> memory(BIO_new(BIO_s_mem()));
+    requireDone(
         memory &&
             PEM_write_bio_PrivateKey(memory.get(), key, nullptr, nullptr, 0, nullptr, nullptr) == 1,
         "write a private key");
     return textOf(memory.get());
 }
 
-BioPtr reader(const std::string& text) {
-    BioPtr memory(BIO_new_mem_buf(text.data(), static_cast<int>(text.size())));
-    require(memory != nullptr, "read a PEM text");
-    return memory;
-}
-
-/// Refuses an encrypted key instead of asking for its pass phrase on the terminal.
-int noPassPhrase(char*, int, int, void*) {
-    return -1;
-}
-
-KeyPtr newKey() {
+Owned<EVP_PKEY> newKey() {
     // What EVP_EC_gen stands for, without its cast.
-    KeyPtr key(EVP_PKEY_Q_keygen(nullptr, nullptr, "EC", "P-256"));
-    require(key != nullptr, "make a key");
+    Owned<EVP_PKEY> key(EVP_PKEY_Q_keygen(nullptr, nullptr, "EC", "P-256"));
+    requireDone(key != nullptr, "make a key");
     return key;
 }
 
 void setSerialNumber(X509* certificate) {
-    const NumberPtr number(BN_new());
+    const Owned<BIGNUM> number(BN_new());
     // RFC 5280, 4.1.2.2: positive and at most 20 bytes.
-    require(
+    requireDone(
         number && BN_rand(number.get(), 159, BN_RAND_TOP_ONE, BN_RAND_BOTTOM_ANY) == 1 &&
             BN_to_ASN1_INTEGER(number.get(), X509_get_serialNumber(certificate)) != nullptr,
         "make a serial number");
 }
 
 void setValidity(X509* certificate, Validity validity) {
-    require(
+    requireDone(
         ASN1_TIME_set(X509_getm_notBefore(certificate), validity.notBefore) != nullptr &&
             ASN1_TIME_set(X509_getm_notAfter(certificate), validity.notAfter) != nullptr,
         "set the validity of a certificate");
@@ -107,7 +61,7 @@ void setValidity(X509* certificate, Validity validity) {
 
 void setCommonName(X509_NAME* name, const std::string& value) {
     const auto* bytes = reinterpret_cast<const unsigned char*>(value.data());
-    require(
+    requireDone(
         X509_NAME_add_entry_by_NID(
             name, NID_commonName, MBSTRING_UTF8, bytes, static_cast<int>(value.size()), -1, 0) == 1,
         "set the common name of a certificate");
@@ -117,8 +71,8 @@ void setCommonName(X509_NAME* name, const std::string& value) {
 void addExtension(X509* certificate, X509* issuer, int nid, const char* value) {
     X509V3_CTX context{};
     X509V3_set_ctx(&context, issuer, certificate, nullptr, nullptr, 0);
-    const ExtensionPtr extension(X509V3_EXT_conf_nid(nullptr, &context, nid, value));
-    require(
+    const Owned<X509_EXTENSION> extension(X509V3_EXT_conf_nid(nullptr, &context, nid, value));
+    requireDone(
         extension && X509_add_ext(certificate, extension.get(), -1) == 1,
         "add an extension to a certificate");
 }
@@ -142,13 +96,13 @@ std::string addressBytes(const std::string& text) {
     return {};
 }
 
-NamePtr alternativeName(const std::string& text) {
+Owned<GENERAL_NAME> alternativeName(const std::string& text) {
     const std::string address = addressBytes(text);
     const bool isAddress = !address.empty();
     const std::string& value = isAddress ? address : text;
-    NamePtr name(GENERAL_NAME_new());
+    Owned<GENERAL_NAME> name(GENERAL_NAME_new());
     ASN1_STRING* content = ASN1_STRING_type_new(isAddress ? V_ASN1_OCTET_STRING : V_ASN1_IA5STRING);
-    require(
+    requireDone(
         name && content != nullptr &&
             ASN1_STRING_set(content, value.data(), static_cast<int>(value.size())) == 1,
         "make an alternative name");
@@ -157,24 +111,24 @@ NamePtr alternativeName(const std::string& text) {
 }
 
 void addAlternativeNames(X509* certificate, const std::vector<std::string>& namesAndAddresses) {
-    const NamesPtr names(GENERAL_NAMES_new());
-    require(names != nullptr, "make alternative names");
+    const Owned<GENERAL_NAMES> names(GENERAL_NAMES_new());
+    requireDone(names != nullptr, "make alternative names");
     for (const std::string& text : namesAndAddresses) {
-        NamePtr name = alternativeName(withoutBrackets(text));
-        require(sk_GENERAL_NAME_push(names.get(), name.get()) > 0, "make alternative names");
+        Owned<GENERAL_NAME> name = alternativeName(withoutBrackets(text));
+        requireDone(sk_GENERAL_NAME_push(names.get(), name.get()) > 0, "make alternative names");
         static_cast<void>(name.release());
     }
-    require(
+    requireDone(
         X509_add1_ext_i2d(certificate, NID_subject_alt_name, names.get(), 0, X509V3_ADD_DEFAULT) ==
             1,
         "add alternative names to a certificate");
 }
 
 /// A certificate with everything but its extensions and its signature.
-CertificatePtr
+Owned<X509>
 newCertificate(EVP_PKEY* key, const std::string& commonName, const X509* issuer, Validity when) {
-    CertificatePtr certificate(X509_new());
-    require(
+    Owned<X509> certificate(X509_new());
+    requireDone(
         certificate && X509_set_version(certificate.get(), X509_VERSION_3) == 1 &&
             X509_set_pubkey(certificate.get(), key) == 1,
         "make a certificate");
@@ -185,27 +139,28 @@ newCertificate(EVP_PKEY* key, const std::string& commonName, const X509* issuer,
         setCommonName(subject, commonName);
     }
     const X509_NAME* by = issuer == nullptr ? subject : X509_get_subject_name(issuer);
-    require(X509_set_issuer_name(certificate.get(), by) == 1, "set the issuer of a certificate");
+    requireDone(
+        X509_set_issuer_name(certificate.get(), by) == 1, "set the issuer of a certificate");
     return certificate;
 }
 
 void sign(X509* certificate, EVP_PKEY* key) {
-    require(X509_sign(certificate, key, EVP_sha256()) > 0, "sign a certificate");
+    requireDone(X509_sign(certificate, key, EVP_sha256()) > 0, "sign a certificate");
 }
 
 }  // namespace
 
 /// The authority itself: its certificate and its key.
 struct CertificateAuthority::Parts {
-    CertificatePtr certificate;
-    KeyPtr key;
+    Owned<X509> certificate;
+    Owned<EVP_PKEY> key;
 
     /// `purpose` is the extended key usage; alternative names only where there are any.
     Identity issue(
         const std::string& commonName, const char* purpose,
         const std::vector<std::string>& alternativeNames, Validity validity) const {
-        const KeyPtr subjectKey = newKey();
-        const CertificatePtr leaf =
+        const Owned<EVP_PKEY> subjectKey = newKey();
+        const Owned<X509> leaf =
             newCertificate(subjectKey.get(), commonName, certificate.get(), validity);
         addExtension(leaf.get(), certificate.get(), NID_basic_constraints, "critical,CA:FALSE");
         addExtension(leaf.get(), certificate.get(), NID_key_usage, "critical,digitalSignature");
@@ -248,13 +203,9 @@ CertificateAuthority CertificateAuthority::create(const std::string& commonName)
 CertificateAuthority
 CertificateAuthority::load(const std::string& certificatePem, const std::string& privateKeyPem) {
     auto parts = std::make_unique<Parts>();
-    parts->certificate.reset(
-        PEM_read_bio_X509(reader(certificatePem).get(), nullptr, noPassPhrase, nullptr));
-    require(parts->certificate != nullptr, "read the authority's certificate");
-    parts->key.reset(
-        PEM_read_bio_PrivateKey(reader(privateKeyPem).get(), nullptr, noPassPhrase, nullptr));
-    require(parts->key != nullptr, "read the authority's private key");
-    require(
+    parts->certificate = certificateFrom(certificatePem);
+    parts->key = keyFrom(privateKeyPem);
+    requireDone(
         X509_check_private_key(parts->certificate.get(), parts->key.get()) == 1,
         "use the authority's private key with its certificate");
     return CertificateAuthority(std::move(parts));
@@ -271,7 +222,7 @@ std::string CertificateAuthority::privateKeyPem() const {
 Identity CertificateAuthority::issueServer(
     const std::vector<std::string>& namesAndAddresses, Validity validity) const {
     if (namesAndAddresses.empty()) {
-        throw std::runtime_error("a server certificate needs a name or an address");
+        throw Failure("a server certificate needs a name or an address");
     }
     // X.520: a common name has at most 64 characters; the alternative names are what counts.
     const std::string first = withoutBrackets(namesAndAddresses.front());

@@ -24,8 +24,8 @@ struct Validity {
 Validity validForDays(int days);
 
 /// A small certificate authority of EC P-256 keys, for trying out and testing only: it keeps its
-/// key in memory, publishes no revocation lists and issues whatever it is asked for. Every
-/// failure is a std::runtime_error that says which step failed.
+/// key in memory, publishes no revocation lists and issues whatever it is asked for. A Failure
+/// says which step failed.
 class CertificateAuthority {
 public:
     /// A new self-signed authority, valid for ten years.

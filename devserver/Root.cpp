@@ -120,13 +120,13 @@ void Root::openAuthority() {
         files::replace(key, fresh.privateKeyPem());
         files::replace(certificate, fresh.certificatePem());
     }
+    const std::string certificatePem = files::read(certificate);
+    const std::string keyPem = files::read(key);
     try {
         authority_ = std::make_unique<CertificateAuthority>(
-            CertificateAuthority::load(files::read(certificate), files::read(key)));
-    } catch (const Failure&) {
-        throw;
-    } catch (const std::runtime_error& error) {
-        throw Failure("cannot use " + certificate.string() + ": " + error.what());
+            CertificateAuthority::load(certificatePem, keyPem));
+    } catch (const Failure& failure) {
+        throw Failure("cannot use " + certificate.string() + ": " + failure.what());
     }
 }
 

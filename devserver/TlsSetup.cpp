@@ -1,37 +1,10 @@
 #include "devserver/TlsSetup.h"
 
-#include <openssl/pem.h>
-#include <openssl/ssl.h>
+#include "devserver/OpenSsl.h"
 
 #include <array>
-#include <stdexcept>
 
 namespace devserver {
-
-namespace {
-
-/// Gives an object of OpenSSL back.
-struct Release {
-    void operator()(BIO* bio) const { BIO_free(bio); }
-    void operator()(X509* certificate) const { X509_free(certificate); }
-    void operator()(EVP_PKEY* key) const { EVP_PKEY_free(key); }
-};
-template <typename T>
-using Owned = std::unique_ptr<T, Release>;
-
-Owned<BIO> reader(const std::string& pem) {
-    return Owned<BIO>(BIO_new_mem_buf(pem.data(), static_cast<int>(pem.size())));
-}
-
-Owned<X509> certificateOf(const std::string& pem) {
-    return Owned<X509>(PEM_read_bio_X509(reader(pem).get(), nullptr, nullptr, nullptr));
-}
-
-Owned<EVP_PKEY> keyOf(const std::string& pem) {
-    return Owned<EVP_PKEY>(PEM_read_bio_PrivateKey(reader(pem).get(), nullptr, nullptr, nullptr));
-}
-
-}  // namespace
 
 /// What the server presents.
 struct TlsSetup::Credentials {
@@ -63,13 +36,13 @@ std::unique_ptr<TlsSetup::Credentials> TlsSetup::make(CertificateFault fault) co
         break;
     }
     auto credentials = std::make_unique<Credentials>();
-    credentials->certificate = certificateOf(identity.certificatePem);
-    credentials->key = keyOf(identity.privateKeyPem);
+    credentials->certificate = certificateFrom(identity.certificatePem);
+    credentials->key = keyFrom(identity.privateKeyPem);
     return credentials;
 }
 
 bool TlsSetup::apply(SSL_CTX& context) {
-    const Owned<X509> root = certificateOf(authority_.certificatePem());
+    const Owned<X509> root = certificateFrom(authority_.certificatePem());
     SSL_CTX_set_verify(&context, SSL_VERIFY_PEER | SSL_VERIFY_FAIL_IF_NO_PEER_CERT, nullptr);
     SSL_CTX_set_cert_cb(
         &context,

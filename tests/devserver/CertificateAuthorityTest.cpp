@@ -1,40 +1,29 @@
 #include "devserver/CertificateAuthority.h"
+#include "devserver/Failure.h"
+#include "devserver/OpenSsl.h"
 
 #include <gtest/gtest.h>
 
 #include <openssl/pem.h>
 #include <openssl/x509_vfy.h>
-#include <openssl/x509v3.h>
 
 #include <array>
 #include <memory>
-#include <stdexcept>
 
 namespace {
 
 using devserver::CertificateAuthority;
+using devserver::certificateFrom;
+using devserver::Failure;
 using devserver::Identity;
+using devserver::keyFrom;
+using devserver::Owned;
 using devserver::validForDays;
-
-using CertificatePtr = std::unique_ptr<X509, decltype(&X509_free)>;
-using KeyPtr = std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)>;
-
-CertificatePtr certificateOf(const std::string& pem) {
-    const std::unique_ptr<BIO, decltype(&BIO_free)> memory(
-        BIO_new_mem_buf(pem.data(), static_cast<int>(pem.size())), &BIO_free);
-    return {PEM_read_bio_X509(memory.get(), nullptr, nullptr, nullptr), &X509_free};
-}
-
-KeyPtr keyOf(const std::string& pem) {
-    const std::unique_ptr<BIO, decltype(&BIO_free)> memory(
-        BIO_new_mem_buf(pem.data(), static_cast<int>(pem.size())), &BIO_free);
-    return {PEM_read_bio_PrivateKey(memory.get(), nullptr, nullptr, nullptr), &EVP_PKEY_free};
-}
 
 /// OpenSSL's verdict on a certificate, with the authority as the only trusted one.
 int verify(const std::string& certificatePem, const std::string& authorityPem, int purpose) {
-    const CertificatePtr leaf = certificateOf(certificatePem);
-    const CertificatePtr root = certificateOf(authorityPem);
+    const Owned<X509> leaf = certificateFrom(certificatePem);
+    const Owned<X509> root = certificateFrom(authorityPem);
     const std::unique_ptr<X509_STORE, decltype(&X509_STORE_free)> store(
         X509_STORE_new(), &X509_STORE_free);
     X509_STORE_add_cert(store.get(), root.get());
@@ -59,7 +48,7 @@ TEST(CertificateAuthority, ServerCertificateHoldsItsNamesAndAddresses) {
     const auto authority = CertificateAuthority::create("Test authority");
     const Identity server = authority.issueServer(
         {"primary.example.com", "localhost", "127.0.0.1", "[::1]"}, validForDays(1));
-    const CertificatePtr leaf = certificateOf(server.certificatePem);
+    const Owned<X509> leaf = certificateFrom(server.certificatePem);
     ASSERT_TRUE(leaf);
     for (const char* name : {"primary.example.com", "localhost"}) {
         EXPECT_EQ(X509_check_host(leaf.get(), name, 0, 0, nullptr), 1) << name;
@@ -81,7 +70,7 @@ TEST(CertificateAuthority, HostCertificateNamesTheHostId) {
     const auto authority = CertificateAuthority::create("Test authority");
     const std::string hostId = "0a0aa0a0-0000-0aa0-aa00-000a0a00a0a0";
     const Identity host = authority.issueHost(hostId, validForDays(1));
-    EXPECT_EQ(commonNameOf(certificateOf(host.certificatePem).get()), hostId);
+    EXPECT_EQ(commonNameOf(certificateFrom(host.certificatePem).get()), hostId);
     EXPECT_EQ(
         verify(host.certificatePem, authority.certificatePem(), X509_PURPOSE_SSL_CLIENT),
         X509_V_OK);
@@ -93,10 +82,8 @@ TEST(CertificateAuthority, HostCertificateNamesTheHostId) {
 TEST(CertificateAuthority, KeyBelongsToItsCertificate) {
     const auto authority = CertificateAuthority::create("Test authority");
     const Identity host = authority.issueHost("host", validForDays(1));
-    const CertificatePtr certificate = certificateOf(host.certificatePem);
-    const KeyPtr key = keyOf(host.privateKeyPem);
-    ASSERT_TRUE(certificate);
-    ASSERT_TRUE(key);
+    const Owned<X509> certificate = certificateFrom(host.certificatePem);
+    const Owned<EVP_PKEY> key = keyFrom(host.privateKeyPem);
     EXPECT_EQ(X509_check_private_key(certificate.get(), key.get()), 1);
 }
 
@@ -129,12 +116,31 @@ TEST(CertificateAuthority, LoadedAuthorityIssuesUnderTheSameCertificate) {
 TEST(CertificateAuthority, RefusesWhatIsNoAuthority) {
     const auto one = CertificateAuthority::create("Test authority");
     const auto other = CertificateAuthority::create("Test authority");
-    EXPECT_THROW(CertificateAuthority::load("nothing", one.privateKeyPem()), std::runtime_error);
-    EXPECT_THROW(CertificateAuthority::load(one.certificatePem(), "nothing"), std::runtime_error);
-    EXPECT_THROW(
-        CertificateAuthority::load(one.certificatePem(), other.privateKeyPem()),
-        std::runtime_error);
-    EXPECT_THROW(one.issueServer({}, validForDays(1)), std::runtime_error);
+    EXPECT_THROW(CertificateAuthority::load("nothing", one.privateKeyPem()), Failure);
+    EXPECT_THROW(CertificateAuthority::load(one.certificatePem(), "nothing"), Failure);
+    EXPECT_THROW(CertificateAuthority::load(one.certificatePem(), other.privateKeyPem()), Failure);
+    EXPECT_THROW(one.issueServer({}, validForDays(1)), Failure);
+}
+
+/// The key as PEM text that only a pass phrase opens.
+std::string encrypted(const std::string& keyPem) {
+    const Owned<EVP_PKEY> key = keyFrom(keyPem);
+    const Owned<BIO> memory(BIO_new(BIO_s_mem()));
+    const std::string phrase = "secret";
+    PEM_write_bio_PrivateKey(
+        memory.get(), key.get(), EVP_aes_128_cbc(),
+        reinterpret_cast<const unsigned char*>(phrase.data()), static_cast<int>(phrase.size()),
+        nullptr, nullptr);
+    char* data = nullptr;
+    const long size = BIO_get_mem_data(memory.get(), &data);
+    return {data, static_cast<std::size_t>(size)};
+}
+
+TEST(CertificateAuthority, RefusesAnEncryptedKeyWithoutAskingForItsPassPhrase) {
+    const auto authority = CertificateAuthority::create("Test authority");
+    const std::string key = encrypted(authority.privateKeyPem());
+    ASSERT_NE(key.find("ENCRYPTED"), std::string::npos);
+    EXPECT_THROW(CertificateAuthority::load(authority.certificatePem(), key), Failure);
 }
 
 TEST(CertificateAuthority, LongServerNameStaysAnAlternativeName) {
@@ -143,7 +149,7 @@ TEST(CertificateAuthority, LongServerNameStaysAnAlternativeName) {
     const Identity server = authority.issueServer({name}, validForDays(1));
     EXPECT_EQ(
         X509_check_host(
-            certificateOf(server.certificatePem).get(), name.c_str(), name.size(), 0, nullptr),
+            certificateFrom(server.certificatePem).get(), name.c_str(), name.size(), 0, nullptr),
         1);
 }
 

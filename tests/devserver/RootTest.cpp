@@ -290,7 +290,9 @@ TEST_F(RootFolder, AMalformedLoginFileIsAFailure) {
 TEST_F(RootFolder, AnAuthorityThatCannotBeReadIsAFailure) {
     { const Root root(options); }
     std::ofstream(file("ca/ca.key")) << "nothing";
-    EXPECT_NE(failure().find("ca.pem"), std::string::npos);
+    EXPECT_NE(failure().find("ca.pem: cannot read a private key"), std::string::npos);
+    fs::remove(file("ca/ca.key"));
+    EXPECT_EQ(failure().find("cannot read " + file("ca/ca.key").string()), 0U) << failure();
 }
 
 }  // namespace

@@ -1,12 +1,12 @@
 #include "support/TlsScriptServer.h"
 
+#include "devserver/OpenSsl.h"
+
 #include <arpa/inet.h>
 #include <array>
 #include <charconv>
 #include <csignal>
 #include <netinet/in.h>
-#include <openssl/pem.h>
-#include <openssl/x509.h>
 #include <stdexcept>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -14,18 +14,7 @@
 namespace support {
 namespace {
 
-template <auto function>
-struct Release {
-    template <typename Type>
-    void operator()(Type* object) const {
-        function(object);
-    }
-};
-
-using Bio = std::unique_ptr<BIO, Release<BIO_free>>;
-using Certificate = std::unique_ptr<X509, Release<X509_free>>;
-using Key = std::unique_ptr<EVP_PKEY, Release<EVP_PKEY_free>>;
-using Connection = std::unique_ptr<SSL, Release<SSL_free>>;
+using devserver::Owned;
 
 void require(bool condition, const char* step) {
     if (!condition) {
@@ -33,20 +22,10 @@ void require(bool condition, const char* step) {
     }
 }
 
-Bio memory(const std::string& text) {
-    return Bio(BIO_new_mem_buf(text.data(), static_cast<int>(text.size())));
-}
-
-Certificate certificateOf(const std::string& pem) {
-    return Certificate(PEM_read_bio_X509(memory(pem).get(), nullptr, nullptr, nullptr));
-}
-
 void useIdentity(SSL_CTX* context, const devserver::Identity& identity) {
-    const Key key(
-        PEM_read_bio_PrivateKey(memory(identity.privateKeyPem).get(), nullptr, nullptr, nullptr));
-    require(
-        SSL_CTX_use_certificate(context, certificateOf(identity.certificatePem).get()) == 1,
-        "certificate");
+    const Owned<X509> certificate = devserver::certificateFrom(identity.certificatePem);
+    const Owned<EVP_PKEY> key = devserver::keyFrom(identity.privateKeyPem);
+    require(SSL_CTX_use_certificate(context, certificate.get()) == 1, "certificate");
     require(SSL_CTX_use_PrivateKey(context, key.get()) == 1, "private key");
 }
 
@@ -54,7 +33,7 @@ void demandClient(SSL_CTX* context, const std::string& authority) {
     if (authority.empty()) {
         return;
     }
-    const Certificate certificate = certificateOf(authority);
+    const Owned<X509> certificate = devserver::certificateFrom(authority);
     require(
         X509_STORE_add_cert(SSL_CTX_get_cert_store(context), certificate.get()) == 1,
         "authority for clients");
@@ -228,7 +207,7 @@ void TlsScriptServer::serve(int socket) {
         waitForEnd();
         return;
     }
-    const ::support::Connection tls(SSL_new(context_.get()));
+    const Owned<SSL> tls(SSL_new(context_.get()));
     SSL_set_fd(tls.get(), socket);
     if (SSL_accept(tls.get()) == 1) {
         recordHandshake(tls.get());
@@ -279,7 +258,7 @@ bool TlsScriptServer::answer(SSL* tls, int socket, const ScriptedReply& reply) {
 }
 
 void TlsScriptServer::recordHandshake(SSL* tls) {
-    const Certificate client(SSL_get1_peer_certificate(tls));
+    const Owned<X509> client(SSL_get1_peer_certificate(tls));
     std::array<char, 256> name{};
     if (client != nullptr) {
         X509_NAME_get_text_by_NID(
