@@ -154,7 +154,8 @@ void serve(const Options& options, std::ostream& out, std::ostream& err) {
     Resources resources(root.database(), root.primaryName());
     Faults faults(options.faults);
     Server server(
-        root.authority(), {options.listen, options.port, root.names()}, resources, faults);
+        root.authority(), {options.listen, options.port, root.serverIdentity(), root.names()},
+        resources, faults);
     server.start();
     printHowTo(root, options, out);
     warnOfOpenAddress(options, err);

@@ -194,9 +194,9 @@ std::vector<std::string> Root::allNames() const {
 /// The server's certificate is made anew at every start, for all names there are by now; the
 /// authority and the host's certificate stay.
 void Root::writeCertificates() {
-    const Identity server = authority_->issueServer(allNames(), validForDays(825));
-    files::replace(path_ / "server" / "server.key", server.privateKeyPem);
-    files::replace(path_ / "server" / "server.pem", server.certificatePem);
+    serverIdentity_ = authority_->issueServer(allNames(), validForDays(825));
+    files::replace(path_ / "server" / "server.key", serverIdentity_.privateKeyPem);
+    files::replace(path_ / "server" / "server.pem", serverIdentity_.certificatePem);
     writeOnce(path_ / "certs" / "ca.pem", authority_->certificatePem());
     const fs::path certificate = path_ / "certs" / "host.pem";
     const fs::path key = path_ / "certs" / "host.key";

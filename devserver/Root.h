@@ -32,6 +32,8 @@ public:
     /// Absolute.
     const std::filesystem::path& path() const { return path_; }
     const CertificateAuthority& authority() const { return *authority_; }
+    /// The certificate in `server/server.pem` and its key: what the server presents.
+    const Identity& serverIdentity() const { return serverIdentity_; }
     HostDatabase& database() { return *database_; }
     /// Every name and address that the server has ever been started under.
     std::vector<std::string> names() const { return database_->serverNames(); }
@@ -61,6 +63,7 @@ private:
     std::vector<std::string> newNames_;
     std::unique_ptr<files::Lock> lock_;
     std::unique_ptr<CertificateAuthority> authority_;
+    Identity serverIdentity_;
     std::unique_ptr<HostDatabase> database_;
 };
 

@@ -80,7 +80,7 @@ struct Server::Machinery {
     Machinery(
         const CertificateAuthority& authority, Endpoint place, Resources& hosts, Faults& rules)
         : endpoint(std::move(place)), resources(hosts), faults(rules),
-          tls(authority, endpoint.names, rules),
+          tls(authority, endpoint.identity, endpoint.names, rules),
           http([this](SSL_CTX& context) { return tls.apply(context); }) {
         if (!http.is_valid()) {
             throw Failure("TLS cannot be set up");

@@ -14,7 +14,8 @@ namespace devserver {
 struct Endpoint {
     std::string address;  ///< numeric
     int port = 0;
-    std::vector<std::string> names;  ///< of the server certificate
+    Identity identity;               ///< the certificate it presents, and its key
+    std::vector<std::string> names;  ///< of the certificates that faults present
 };
 
 /// The HTTPS server: TLS 1.2 or newer, a client certificate of the authority required, many

@@ -3,6 +3,8 @@
 #include "devserver/OpenSsl.h"
 
 #include <array>
+#include <exception>
+#include <utility>
 
 namespace devserver {
 
@@ -10,35 +12,34 @@ namespace devserver {
 struct TlsSetup::Credentials {
     Owned<X509> certificate;
     Owned<EVP_PKEY> key;
+
+    explicit Credentials(const Identity& identity)
+        : certificate(certificateFrom(identity.certificatePem)),
+          key(keyFrom(identity.privateKeyPem)) {}
+
+    bool use(SSL* connection) const {
+        return SSL_use_certificate(connection, certificate.get()) == 1 &&
+               SSL_use_PrivateKey(connection, key.get()) == 1;
+    }
 };
 
 TlsSetup::TlsSetup(
-    const CertificateAuthority& authority, const std::vector<std::string>& names, Faults& faults)
-    : authority_(authority), names_(names), faults_(faults), usual_(make(CertificateFault::none)) {}
+    const CertificateAuthority& authority, const Identity& identity, std::vector<std::string> names,
+    Faults& faults)
+    : authority_(authority), names_(std::move(names)), faults_(faults),
+      usual_(std::make_unique<Credentials>(identity)) {}
 
 TlsSetup::~TlsSetup() = default;
 
-std::unique_ptr<TlsSetup::Credentials> TlsSetup::make(CertificateFault fault) const {
-    Identity identity;
-    switch (fault) {
-    case CertificateFault::expired:
-        identity = authority_.issueServer(names_, validForDays(-1));
-        break;
-    case CertificateFault::wrongName:
-        identity = authority_.issueServer({"another-server.invalid"}, validForDays(1));
-        break;
-    case CertificateFault::untrusted:
-        identity =
-            CertificateAuthority::create("Somebody else").issueServer(names_, validForDays(1));
-        break;
-    case CertificateFault::none:
-        identity = authority_.issueServer(names_, validForDays(825));
-        break;
+/// What is presented for a fault; for `none` there is the server's own.
+Identity TlsSetup::issue(CertificateFault fault) const {
+    if (fault == CertificateFault::expired) {
+        return authority_.issueServer(names_, validForDays(-1));
     }
-    auto credentials = std::make_unique<Credentials>();
-    credentials->certificate = certificateFrom(identity.certificatePem);
-    credentials->key = keyFrom(identity.privateKeyPem);
-    return credentials;
+    if (fault == CertificateFault::wrongName) {
+        return authority_.issueServer({"another-server.invalid"}, validForDays(1));
+    }
+    return CertificateAuthority::create("Somebody else").issueServer(names_, validForDays(1));
 }
 
 bool TlsSetup::apply(SSL_CTX& context) {
@@ -59,12 +60,14 @@ bool TlsSetup::apply(SSL_CTX& context) {
 }
 
 bool TlsSetup::present(SSL* connection) {
-    const CertificateFault fault = faults_.forConnection();
-    const std::unique_ptr<Credentials> other =
-        fault == CertificateFault::none ? nullptr : make(fault);
-    const Credentials& shown = other ? *other : *usual_;
-    return SSL_use_certificate(connection, shown.certificate.get()) == 1 &&
-           SSL_use_PrivateKey(connection, shown.key.get()) == 1;
+    // OpenSSL calls this; nothing may be thrown through it.
+    try {
+        const CertificateFault fault = faults_.forConnection();
+        return fault == CertificateFault::none ? usual_->use(connection)
+                                               : Credentials(issue(fault)).use(connection);
+    } catch (const std::exception&) {
+        return false;
+    }
 }
 
 std::string peerCommonName(const SSL* connection) {

@@ -15,9 +15,11 @@ namespace devserver {
 /// The server's certificates and who is let in.
 class TlsSetup {
 public:
+    /// `identity` is the server's own; the certificates that faults present are issued by the
+    /// authority for `names`. The authority and the faults must outlive the setup.
     TlsSetup(
-        const CertificateAuthority& authority, const std::vector<std::string>& names,
-        Faults& faults);
+        const CertificateAuthority& authority, const Identity& identity,
+        std::vector<std::string> names, Faults& faults);
     ~TlsSetup();
     TlsSetup(const TlsSetup&) = delete;
     TlsSetup& operator=(const TlsSetup&) = delete;
@@ -26,11 +28,12 @@ public:
     bool apply(SSL_CTX& context);
 
     /// Chooses the certificate of a new connection: the server's own unless a fault says else.
+    /// False when there is none to be had.
     bool present(SSL* connection);
 
 private:
     struct Credentials;
-    std::unique_ptr<Credentials> make(CertificateFault fault) const;
+    Identity issue(CertificateFault fault) const;
 
     const CertificateAuthority& authority_;
     std::vector<std::string> names_;

@@ -78,6 +78,19 @@ TEST_F(ServingProgram, SaysHowToUseItAndWhenItIsReady) {
     EXPECT_EQ(Client(root, address).get(hosts).status, 200);
 }
 
+TEST_F(ServingProgram, PresentsTheCertificateInItsFileAtEveryStart) {
+    std::string before;
+    for (int count = 0; count < 2; ++count) {
+        const auto program = start();
+        const std::string presented = Client(root, address).get(hosts).certificate;
+        EXPECT_NE(presented, before);
+        EXPECT_EQ(presented, contentOf(root / "server" / "server.pem"));
+        before = presented;
+        program->signal(SIGTERM);
+        EXPECT_EQ(program->wait(), 0);
+    }
+}
+
 TEST_F(ServingProgram, PrintsNoSecret) {
     const auto program = start();
     Client(root, address).get(hosts);

@@ -72,6 +72,23 @@ curl_slist* headerLines(const Headers& given, const std::string& token) {
     return lines;
 }
 
+/// The server's own certificate of the last handshake, as libcurl keeps it.
+std::string certificateOf(CURL* handle) {
+    curl_certinfo* chain = nullptr;
+    curl_easy_getinfo(handle, CURLINFO_CERTINFO, &chain);
+    if (chain == nullptr || chain->num_of_certs == 0) {
+        return {};
+    }
+    const std::string_view field = "Cert:";
+    for (const curl_slist* line = chain->certinfo[0]; line != nullptr; line = line->next) {
+        const std::string_view text = line->data;
+        if (text.starts_with(field)) {
+            return std::string(text.substr(field.size()));
+        }
+    }
+    return {};
+}
+
 Options optionsOf(const fs::path& root, std::optional<std::size_t> count) {
     Options options;
     options.root = root.string();
@@ -165,6 +182,7 @@ Received Client::send(
     curl_easy_setopt(handle_, CURLOPT_NOBODY, method == "HEAD" ? 1L : 0L);
     curl_easy_setopt(handle_, CURLOPT_CAINFO, authority_.c_str());
     curl_easy_setopt(handle_, CURLOPT_CAPATH, nullptr);
+    curl_easy_setopt(handle_, CURLOPT_CERTINFO, 1L);
     if (!certificate_.empty()) {
         curl_easy_setopt(handle_, CURLOPT_SSLCERT, certificate_.c_str());
         curl_easy_setopt(handle_, CURLOPT_SSLKEY, key_.c_str());
@@ -183,6 +201,7 @@ Received Client::send(
     received.curl = curl_easy_perform(handle_);
     curl_easy_getinfo(handle_, CURLINFO_RESPONSE_CODE, &received.status);
     curl_easy_getinfo(handle_, CURLINFO_TOTAL_TIME, &received.seconds);
+    received.certificate = certificateOf(handle_);
     curl_slist_free_all(lines);
     return received;
 }
@@ -193,8 +212,9 @@ LocalServer::LocalServer(
       resources_(std::make_unique<Resources>(root_->database(), root_->primaryName())),
       faults_(std::make_unique<Faults>(rulesOf(faultRules))),
       server_(std::make_unique<Server>(
-          root_->authority(), Endpoint{options_.listen, options_.port, root_->names()}, *resources_,
-          *faults_)) {
+          root_->authority(),
+          Endpoint{options_.listen, options_.port, root_->serverIdentity(), root_->names()},
+          *resources_, *faults_)) {
     server_->start();
 }
 

@@ -50,6 +50,7 @@ struct Received {
     long status = 0;
     std::string body;
     std::map<std::string, std::string> headers;  ///< names in small letters
+    std::string certificate;  ///< PEM, of the server; empty on a connection that was kept
     double seconds = 0;
 
     long long errorCode() const;
