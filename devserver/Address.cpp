@@ -8,8 +8,6 @@ namespace devserver {
 
 namespace {
 
-constexpr std::string_view base = "/arkeon/config/hosts";
-
 /// Thrown where the address cannot be decoded or says something unknown.
 struct Malformed {};
 
@@ -123,10 +121,10 @@ Address parseAddress(std::string_view target) {
     std::string_view path = target.substr(0, question);
     const std::string_view query =
         question == std::string_view::npos ? "" : target.substr(question + 1);
-    if (!text::startsWith(path, base)) {
+    if (!path.starts_with(hostCollection)) {
         return address;
     }
-    path.remove_prefix(base.size());
+    path.remove_prefix(hostCollection.size());
     if (!path.empty() && path.front() != '/') {
         return address;
     }

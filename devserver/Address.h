@@ -7,6 +7,9 @@
 
 namespace devserver {
 
+/// The path of the hosts, which all resources are below.
+inline constexpr std::string_view hostCollection = "/arkeon/config/hosts";
+
 /// What a request target names. Path segments are taken as they were sent and decoded one by
 /// one: a dot segment or an encoded slash is part of a name like any other byte.
 struct Address {

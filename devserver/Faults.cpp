@@ -1,7 +1,5 @@
 #include "devserver/Faults.h"
 
-#include "devserver/Text.h"
-
 #include <utility>
 
 namespace devserver {
@@ -17,7 +15,7 @@ bool fits(const FaultRule& rule, std::string_view method, std::string_view targe
     }
     const std::string_view pattern = rule.pattern;
     if (!pattern.empty() && pattern.back() == '*') {
-        return text::startsWith(target, pattern.substr(0, pattern.size() - 1));
+        return target.starts_with(pattern.substr(0, pattern.size() - 1));
     }
     return pattern == target;
 }

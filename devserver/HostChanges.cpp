@@ -69,9 +69,10 @@ void HostChanges::putMapping(std::int64_t host, const std::string& mappedName, b
     } else {
         sqlite::Statement insert(
             connection_,
-            "INSERT INTO mappings (host,position," + tables::mappingColumns("") +
-                ") VALUES (?3, (SELECT coalesce(max(position),0)+1 FROM mappings WHERE host=?3), "
-                "?4, 1, 0, 1, ?1, ?2, ?2)");
+            "INSERT INTO mappings (host, position, mappedHostName, isApproved, isConflicting, "
+            "isAddedManually, isShared, createdOn, updatedOn) "
+            "VALUES (?3, (SELECT coalesce(max(position),0)+1 FROM mappings WHERE host=?3), "
+            "?4, 1, 0, 1, ?1, ?2, ?2)");
         insert.bind(1, std::int64_t{shared}).bind(2, now).bind(3, host).bind(4, mappedName).run();
     }
     settleConflicts(mappedName);

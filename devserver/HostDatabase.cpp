@@ -5,12 +5,14 @@
 #include "devserver/HostListing.h"
 #include "devserver/HostTables.h"
 #include "devserver/Sqlite.h"
+#include "devserver/Text.h"
 
 #include <openssl/crypto.h>
 #include <openssl/evp.h>
 
 #include <array>
 #include <ctime>
+#include <span>
 
 namespace devserver {
 
@@ -19,19 +21,16 @@ namespace {
 /// Readers that are kept for the next request; more are opened when more are needed.
 constexpr std::size_t mostIdleReaders = 16;
 
+/// The columns of the audit trail in the order in which entries are written and read.
+constexpr const char* auditColumns = "time, who, method, resource, reason, status, errorCode";
+
 std::string digestOf(std::string_view token) {
-    constexpr std::string_view digits = "0123456789abcdef";
     std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
     unsigned int size = 0;
     if (EVP_Digest(token.data(), token.size(), digest.data(), &size, EVP_sha256(), nullptr) != 1) {
         throw Failure("the digest of a token cannot be made");
     }
-    std::string text;
-    for (unsigned int i = 0; i < size; ++i) {
-        text += digits[digest[i] >> 4U];
-        text += digits[digest[i] & 15U];
-    }
-    return text;
+    return text::hex(std::span(digest).first(size));
 }
 
 bool equalInConstantTime(std::string_view one, std::string_view other) {
@@ -81,8 +80,7 @@ openForWriting(const std::string& path, const std::function<HostSource()>& sourc
 
 void record(sqlite::Connection& connection, const AuditEntry& entry) {
     sqlite::Statement insert(
-        connection, "INSERT INTO audit (time, who, method, resource, reason, status, errorCode) "
-                    "VALUES (?,?,?,?,?,?,?)");
+        connection, std::string("INSERT INTO audit (") + auditColumns + ") VALUES (?,?,?,?,?,?,?)");
     insert.bind(1, entry.time).bind(2, entry.who).bind(3, entry.method).bind(4, entry.resource);
     insert.bind(5, entry.reason).bind(6, std::int64_t{entry.status}).bind(7, entry.errorCode);
     insert.run();
@@ -171,8 +169,7 @@ std::vector<AuditEntry> HostDatabase::auditTrail(const std::string& path) {
     try {
         const sqlite::Connection connection(path, sqlite::Mode::readOnly);
         sqlite::Statement query(
-            connection, "SELECT time, who, method, resource, reason, status, errorCode "
-                        "FROM audit ORDER BY id");
+            connection, std::string("SELECT ") + auditColumns + " FROM audit ORDER BY id");
         std::vector<AuditEntry> entries;
         while (query.step()) {
             entries.push_back(entryOf(query));

@@ -1,12 +1,12 @@
 #include "devserver/HostRecord.h"
 
+#include "devserver/Text.h"
+
 #include <chrono>
 
 namespace devserver {
 
 namespace {
-
-constexpr std::string_view hexDigits = "0123456789abcdef";
 
 /// The letter of JSON's short escape of a character, 0 where it has none.
 char shortEscape(char character) {
@@ -32,9 +32,7 @@ void appendEscaped(std::string& json, char character) {
         return;
     }
     const auto code = static_cast<unsigned char>(character);
-    json += "\\u00";
-    json += hexDigits[code >> 4U];
-    json += hexDigits[code & 15U];
+    json += "\\u00" + text::hex({&code, 1});
 }
 
 /// Appends a value as JSON.

@@ -52,19 +52,30 @@ inline constexpr std::array<Key, 7> mappingKeys{{
     {"updatedOn", Kind::number},
 }};
 
-/// Where some of the keys stand in the tables above.
+/// Where a key stands in one of the tables above; a name that is not there does not compile.
+template <std::size_t count>
+consteval std::size_t placeOf(const std::array<Key, count>& keys, std::string_view name) {
+    std::size_t place = 0;
+    while (keys.at(place).name != name) {
+        ++place;
+    }
+    return place;
+}
+
+/// The places of the keys that the server gives a meaning.
 namespace hostKey {
-inline constexpr std::size_t uuid = 0;
-inline constexpr std::size_t hostName = 1;
-inline constexpr std::size_t masterServer = 2;
-inline constexpr std::size_t isSecureEnabled = 11;
-inline constexpr std::size_t comment = 12;
-inline constexpr std::size_t autoReissue = 13;
-inline constexpr std::size_t autoReissueDuration = 15;
-inline constexpr std::size_t hasArkeonCaHostCertificate = 17;
+inline constexpr std::size_t uuid = placeOf(hostKeys, "uuid");
+inline constexpr std::size_t hostName = placeOf(hostKeys, "hostName");
+inline constexpr std::size_t masterServer = placeOf(hostKeys, "masterServer");
+inline constexpr std::size_t isSecureEnabled = placeOf(hostKeys, "isSecureEnabled");
+inline constexpr std::size_t comment = placeOf(hostKeys, "comment");
+inline constexpr std::size_t autoReissue = placeOf(hostKeys, "autoReissue");
+inline constexpr std::size_t autoReissueDuration = placeOf(hostKeys, "autoReissueDuration");
+inline constexpr std::size_t hasArkeonCaHostCertificate =
+    placeOf(hostKeys, "hasArkeonCaHostCertificate");
 }  // namespace hostKey
 namespace mappingKey {
-inline constexpr std::size_t name = 0;
+inline constexpr std::size_t name = placeOf(mappingKeys, "mappedHostName");
 }  // namespace mappingKey
 
 /// A key that the record does not have at all, as opposed to one that is null.

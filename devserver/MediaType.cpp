@@ -9,7 +9,7 @@ namespace {
 
 /// A quality of zero means "not this one" (RFC 9110, 12.4.2).
 bool isZeroQuality(std::string_view value) {
-    return text::startsWith(value, "0") && value.find_first_not_of("0.") == std::string_view::npos;
+    return value.starts_with('0') && value.find_first_not_of("0.") == std::string_view::npos;
 }
 
 std::string_view unquoted(std::string_view value) {

@@ -5,6 +5,7 @@
 
 #include <arpa/inet.h>
 
+#include <algorithm>
 #include <array>
 
 namespace devserver {
@@ -26,9 +27,11 @@ void setListen(Options& options, const std::string& value) {
 }
 
 void setPort(Options& options, const std::string& value) {
-    const auto port = text::number(value, 65535);
+    const auto port = text::number(value, largestPort);
     if (!port || *port == 0) {
-        throw Failure("--port needs a number from 1 to 65535, not '" + text::visible(value) + "'");
+        throw Failure(
+            "--port needs a number from 1 to " + std::to_string(largestPort) + ", not '" +
+            text::visible(value) + "'");
     }
     options.port = static_cast<int>(*port);
 }

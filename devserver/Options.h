@@ -9,6 +9,10 @@
 
 namespace devserver {
 
+/// The port that the tool always uses.
+inline constexpr int toolPort = 1556;
+inline constexpr int largestPort = 65535;
+
 /// What the command line asks for.
 struct Options {
     /// What is to be done; all but `serve` end at once.
@@ -17,7 +21,7 @@ struct Options {
     Task task = Task::serve;
     std::string root;
     std::string listen = "127.0.0.1";
-    int port = 1556;
+    int port = toolPort;
     std::vector<std::string> names;
     std::optional<std::size_t> hosts;
     std::string readyFile;

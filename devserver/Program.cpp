@@ -18,8 +18,6 @@ namespace devserver {
 
 namespace {
 
-constexpr int toolPort = 1556;
-
 /// A word that a shell reads as exactly this text.
 std::string shellWord(const std::string& text) {
     constexpr const char* plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789"
@@ -64,7 +62,7 @@ bool isPlace(const std::string& content) {
         return false;
     }
     return isNumericAddress(content.substr(0, blank)) &&
-           text::number(content.substr(blank + 1, content.size() - blank - 2), 65535);
+           text::number(content.substr(blank + 1, content.size() - blank - 2), largestPort);
 }
 
 /// The ready file is there exactly while the server answers.

@@ -1,26 +1,20 @@
 #include "devserver/Random.h"
 
 #include "devserver/Failure.h"
+#include "devserver/Text.h"
 
 #include <openssl/rand.h>
 
-#include <string_view>
 #include <vector>
 
 namespace devserver {
 
 std::string randomHex(std::size_t bytes) {
-    constexpr std::string_view digits = "0123456789abcdef";
     std::vector<unsigned char> random(bytes);
     if (RAND_bytes(random.data(), static_cast<int>(bytes)) != 1) {
         throw Failure("no random numbers are to be had");
     }
-    std::string text;
-    for (const unsigned char byte : random) {
-        text += digits[byte >> 4U];
-        text += digits[byte & 15U];
-    }
-    return text;
+    return text::hex(random);
 }
 
 std::string randomUuid() {

@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -16,6 +17,8 @@ namespace devserver {
 inline constexpr const char* mediaType = "application/vnd.arkeon+json";
 inline constexpr const char* mediaTypeVersion = "6.0";
 inline constexpr const char* fullMediaType = "application/vnd.arkeon+json;version=6.0";
+static_assert(std::string_view(fullMediaType).starts_with(mediaType));
+static_assert(std::string_view(fullMediaType).ends_with(mediaTypeVersion));
 
 /// An answer before it becomes bytes. A host or a listing stands in for the body; the records of
 /// a listing, which may be many, are rendered while they are sent.

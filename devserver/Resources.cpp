@@ -180,7 +180,8 @@ Reply postHost(const Call& call, const std::string& masterServer, HostChanges& c
     const HostRecord record = changes.hostRecord(host);
     Reply reply = recordReply(201, record);
     reply.headers.emplace_back(
-        "Location", "/arkeon/config/hosts/" + std::get<std::string>(record.values[hostKey::uuid]));
+        "Location",
+        std::string(hostCollection) + '/' + std::get<std::string>(record.values[hostKey::uuid]));
     return reply;
 }
 

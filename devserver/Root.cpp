@@ -234,8 +234,8 @@ void Root::writeCertificateRows() {
 void Root::writeLogins(const Options& options) {
     std::vector<LoginPlace> places;
     for (const std::string& name : names()) {
-        places.push_back({name, 1556});
-        if (options.port != 1556) {
+        places.push_back({name, toolPort});
+        if (options.port != toolPort) {
             places.push_back({name, options.port});
         }
     }

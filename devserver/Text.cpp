@@ -1,7 +1,6 @@
 #include "devserver/Text.h"
 
 #include <charconv>
-#include <cstdint>
 
 namespace devserver::text {
 
@@ -106,10 +105,6 @@ bool equalIgnoringCase(std::string_view one, std::string_view other) {
     return true;
 }
 
-bool startsWith(std::string_view text, std::string_view start) {
-    return text.substr(0, start.size()) == start;
-}
-
 std::optional<std::string> percentDecoded(std::string_view text) {
     std::string decoded;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -138,16 +133,23 @@ bool isPlain(std::string_view text) {
     return true;
 }
 
-std::string visible(std::string_view text) {
+std::string hex(std::span<const unsigned char> bytes) {
     constexpr std::string_view digits = "0123456789abcdef";
+    std::string text;
+    for (const unsigned char byte : bytes) {
+        text += digits[byte >> 4U];
+        text += digits[byte & 15U];
+    }
+    return text;
+}
+
+std::string visible(std::string_view text) {
     std::string shown;
     while (!text.empty()) {
         const std::size_t length = plainLength(text);
         if (length == 0) {
             const auto byte = static_cast<unsigned char>(text.front());
-            shown += "\\x";
-            shown += digits[byte >> 4U];
-            shown += digits[byte & 15U];
+            shown += "\\x" + hex({&byte, 1});
             text.remove_prefix(1);
         } else {
             shown += text.substr(0, length);

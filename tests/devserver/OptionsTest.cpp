@@ -68,6 +68,14 @@ TEST(Options, HelpNamesEveryOptionOnce) {
     }
 }
 
+TEST(Options, HelpTellsTheDefaults) {
+    const std::string help = helpText();
+    const Options defaults;
+    for (const std::string& value : {defaults.listen, std::to_string(defaults.port)}) {
+        EXPECT_NE(help.find("(default " + value + ")"), std::string::npos) << value;
+    }
+}
+
 TEST(Options, KnowsLoopbackAddresses) {
     for (const char* address : {"127.0.0.1", "127.200.3.4", "::1"}) {
         EXPECT_TRUE(isLoopback(address)) << address;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -32,6 +33,12 @@ TEST(Text, PlainTextIsUtf8WithoutControls) {
           "\xf0\x80\x80\x80", "\xf4\x90\x80\x80", "\xf5\x80\x80\x80", "\xc3", "\xe6\x97"}) {
         EXPECT_FALSE(isPlain(odd)) << visible(odd);
     }
+}
+
+TEST(Text, WritesBytesAsHexadecimalDigits) {
+    const std::vector<unsigned char> bytes{0x00, 0x0f, 0xa9, 0xff};
+    EXPECT_EQ(hex(bytes), "000fa9ff");
+    EXPECT_EQ(hex({}), "");
 }
 
 TEST(Text, ShowsWhatIsNotPlain) {
