@@ -7,7 +7,8 @@
 #include "devserver/Text.h"
 
 #include <jansson.h>
-#include <memory>
+
+#include <cstdlib>
 
 namespace devserver {
 

@@ -5,7 +5,6 @@
 #include "devserver/Text.h"
 
 #include <jansson.h>
-#include <memory>
 
 namespace devserver {
 

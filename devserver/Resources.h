@@ -4,7 +4,6 @@
 #include "devserver/HostDatabase.h"
 #include "devserver/Reply.h"
 
-#include <functional>
 #include <string>
 
 namespace devserver {

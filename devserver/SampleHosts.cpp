@@ -166,8 +166,6 @@ constexpr const char* samples = R"json([
   {"mappedHostName": "barehost-discovered"}]}
 ])json";
 
-using JsonPtr = std::unique_ptr<json_t, decltype(&json_decref)>;
-
 Value valueOf(const json_t* json, const std::string& primaryServer) {
     if (json == nullptr) {
         return Absent{};

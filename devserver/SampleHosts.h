@@ -2,6 +2,7 @@
 
 #include "devserver/HostRecord.h"
 
+#include <cstddef>
 #include <functional>
 #include <string>
 

@@ -13,15 +13,8 @@ namespace {
 }
 
 int flagsOf(Mode mode) {
-    switch (mode) {
-    case Mode::readOnly:
-        return SQLITE_OPEN_READONLY;
-    case Mode::readWrite:
-        return SQLITE_OPEN_READWRITE;
-    case Mode::create:
-        break;
-    }
-    return SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+    return mode == Mode::readOnly ? SQLITE_OPEN_READONLY
+                                  : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
 }
 
 }  // namespace

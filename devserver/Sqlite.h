@@ -17,8 +17,8 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// How a database is opened; `create` makes it where there is none.
-enum class Mode { readOnly, readWrite, create };
+/// How a database is opened: for reading, or for writing too and made where there is none.
+enum class Mode { readOnly, create };
 
 /// One connection; for one thread at a time. Waits up to ten seconds for another one's lock.
 class Connection {
