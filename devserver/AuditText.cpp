@@ -12,6 +12,7 @@ namespace devserver {
 namespace {
 
 using Row = std::array<std::string, 7>;
+using Widths = std::array<std::size_t, std::tuple_size_v<Row>>;
 
 std::string timeText(std::int64_t milliseconds) {
     const std::time_t seconds = milliseconds / 1000;
@@ -42,7 +43,7 @@ std::size_t width(const std::string& text) {
     }));
 }
 
-std::string line(const Row& row, const std::array<std::size_t, 7>& widths) {
+std::string line(const Row& row, const Widths& widths) {
     std::string text;
     for (std::size_t i = 0; i < row.size(); ++i) {
         text += row[i];
@@ -61,7 +62,7 @@ std::string auditText(const std::vector<AuditEntry>& entries) {
     for (const AuditEntry& entry : entries) {
         rows.push_back(rowOf(entry));
     }
-    std::array<std::size_t, 7> widths{};
+    Widths widths{};
     for (const Row& row : rows) {
         for (std::size_t i = 0; i < row.size(); ++i) {
             widths[i] = std::max(widths[i], width(row[i]));

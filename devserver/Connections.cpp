@@ -27,10 +27,6 @@ int contextIndex() {
     return index;
 }
 
-void shutDown(const SSL* connection) {
-    ::shutdown(SSL_get_fd(connection), SHUT_RDWR);
-}
-
 void onState(const SSL* connection, int where, int) {
     if ((where & SSL_CB_HANDSHAKE_START) == 0) {
         return;
@@ -42,6 +38,10 @@ void onState(const SSL* connection, int where, int) {
 }
 
 }  // namespace
+
+void shutDown(const SSL* connection) {
+    ::shutdown(SSL_get_fd(connection), SHUT_RDWR);
+}
 
 void Connections::watch(SSL_CTX* context) {
     registryIndex();

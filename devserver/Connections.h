@@ -9,6 +9,9 @@ using SSL_CTX = struct ssl_ctx_st;
 
 namespace devserver {
 
+/// Ends a connection from this side without waiting; its owner frees it.
+void shutDown(const SSL* connection);
+
 /// The TLS connections that are open, so that a stop need not wait for idle ones. The HTTP
 /// library has no list of its own.
 class Connections {

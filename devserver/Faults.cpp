@@ -102,6 +102,9 @@ CertificateFault Faults::forConnection() {
 }
 
 void makeHostile(HostRecord& host, Hostile kind) {
+    if (kind == Hostile::none) {
+        return;
+    }
     const std::string text = hostileText(kind);
     host.values[hostKey::comment] = "comment " + text;
     host.values[hostKey::hostName] = "host " + text;

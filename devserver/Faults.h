@@ -73,7 +73,7 @@ private:
     std::vector<FaultRule> rules_;
 };
 
-/// Puts hostile texts into the comment and the names of a record.
+/// Puts hostile texts into the comment and the names of a record; `none` leaves it as it is.
 void makeHostile(HostRecord& host, Hostile kind);
 
 }  // namespace devserver

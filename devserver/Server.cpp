@@ -8,6 +8,13 @@
 
 #include <httplib.h>
 
+#include <netdb.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstring>
 #include <future>
 #include <thread>
 
@@ -22,16 +29,23 @@ constexpr std::size_t largestBody = std::size_t{64} * 1024;
 /// How much of a body that is too large is read before the connection is given up.
 constexpr std::size_t largestDiscarded = std::size_t{1024} * 1024;
 
+/// How long a connection may stay without a request, and how many requests it may carry.
+constexpr std::chrono::seconds longestIdleness{5};
+constexpr std::size_t mostRequests = 10'000;
+/// How long a client may take to send the next bytes of a request and to take those of a reply.
+constexpr std::chrono::seconds longestRead{10};
+constexpr std::chrono::seconds longestWrite{30};
+
+/// How long a stop waits for the requests that are being answered, and how often it looks.
+constexpr std::chrono::milliseconds longestAnswer{2000};
+constexpr std::chrono::milliseconds betweenLooks{10};
+/// How long the HTTP library may take to end after that, before every connection is cut.
+constexpr std::chrono::milliseconds longestEnding{500};
+
 [[noreturn]] void failToListen(const std::string& address, int port) {
     throw Failure(
         "cannot listen on " + address + " port " + std::to_string(port) + ": " +
         std::strerror(errno));
-}
-
-void dropConnection(const httplib::Request& request) {
-    if (request.ssl != nullptr) {
-        ::shutdown(SSL_get_fd(request.ssl), SHUT_RDWR);
-    }
 }
 
 bool announcesBody(const httplib::Request& request) {
@@ -115,10 +129,10 @@ void Server::Machinery::configure() {
         listener = socket;
     });
     http.set_tcp_nodelay(true);
-    http.set_keep_alive_timeout(5);
-    http.set_keep_alive_max_count(10'000);
-    http.set_read_timeout(10);
-    http.set_write_timeout(30);
+    http.set_keep_alive_timeout(longestIdleness.count());
+    http.set_keep_alive_max_count(mostRequests);
+    http.set_read_timeout(longestRead);
+    http.set_write_timeout(longestWrite);
     http.new_task_queue = [] {
         return new httplib::ThreadPool(workers);
     };
@@ -162,7 +176,7 @@ void Server::Machinery::answer(
         interruption.sleep(manner.fault.delay);
         Reply reply = replyTo(call, manner.fault);
         if (manner.fault.drop) {
-            dropConnection(request);
+            shutDown(request.ssl);
         }
         transmit(std::move(reply), manner, interruption, response);
     } catch (const std::exception&) {
@@ -255,12 +269,13 @@ void Server::stop() {
     m.interruption.interrupt();
     m.http.stop();
     m.connections.endIdle();
-    for (int waited = 0; m.connections.busy() > 0 && waited < 200; ++waited) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    for (auto waited = betweenLooks; m.connections.busy() > 0 && waited <= longestAnswer;
+         waited += betweenLooks) {
+        std::this_thread::sleep_for(betweenLooks);
     }
     std::promise<void> ended;
     std::thread hurry([&m, &ended] {
-        const auto inTime = ended.get_future().wait_for(std::chrono::milliseconds(500));
+        const auto inTime = ended.get_future().wait_for(longestEnding);
         if (inTime == std::future_status::timeout) {
             m.connections.endAll();
         }

@@ -1,11 +1,13 @@
 #include "devserver/Transmission.h"
 
 #include "devserver/Gzip.h"
+#include "devserver/SampleHosts.h"
 
 #include <httplib.h>
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 namespace devserver {
 
@@ -13,6 +15,8 @@ namespace {
 
 /// A listing is rendered in pieces of about this many bytes; a smaller one goes out whole.
 constexpr std::size_t pieceSize = std::size_t{256} * 1024;
+/// An endless listing goes out in pieces of at least this many bytes.
+constexpr std::size_t endlessPieceSize = std::size_t{16} * 1024;
 
 /// Renders {"hosts":[...]} piece by piece.
 class ListingText {
@@ -38,9 +42,7 @@ private:
             ended_ = true;
             return;
         }
-        if (hostile_ != Hostile::none) {
-            makeHostile(host_, hostile_);
-        }
+        makeHostile(host_, hostile_);
         piece += std::exchange(comma_, ",");
         appendJson(piece, host_);
     }
@@ -99,15 +101,12 @@ void sendEndless(Interruption& interruption, httplib::Response& response) {
     response.set_header("Connection", "close");
     response.set_content_provider(
         fullMediaType,
-        [&interruption, started = false](std::size_t, httplib::DataSink& sink) mutable {
-            const std::string start = started ? "" : "{\"hosts\":[{}";
-            started = true;
-            std::string piece = start;
-            while (piece.size() < 16384) {
-                piece += ",{\"uuid\":\"0a0aa0a0-0000-0aa0-aa00-000a0a00a0a0\"}";
+        [&interruption, start = "{\"hosts\":[{}"](std::size_t, httplib::DataSink& sink) mutable {
+            std::string piece = std::exchange(start, "");
+            while (piece.size() < endlessPieceSize) {
+                piece += std::string(",{\"uuid\":\"") + localHostId + "\"}";
             }
-            return interruption.sleep(std::chrono::milliseconds(0)) &&
-                   sink.write(piece.data(), piece.size());
+            return !interruption.isInterrupted() && sink.write(piece.data(), piece.size());
         });
 }
 
@@ -149,7 +148,8 @@ bool sendAltered(const Altered& plan, Interruption& interruption, httplib::DataS
     return !plan.lastReply;
 }
 
-void sendAltered(Altered plan, Interruption& interruption, httplib::Response& response) {
+/// Replaces the body that is set by the bytes of the plan.
+void setAlteredBody(Altered plan, Interruption& interruption, httplib::Response& response) {
     const std::size_t announced = plan.announced;
     const std::string type = response.get_header_value("Content-Type");
     response.headers.erase("Content-Type");
@@ -185,9 +185,7 @@ void setBody(std::string body, const std::string& type, bool gzip, httplib::Resp
 
 void renderHost(Reply& reply, Hostile hostile) {
     if (reply.host) {
-        if (hostile != Hostile::none) {
-            makeHostile(*reply.host, hostile);
-        }
+        makeHostile(*reply.host, hostile);
         appendJson(reply.body, *reply.host);
     }
 }
@@ -197,6 +195,11 @@ void renderHost(Reply& reply, Hostile hostile) {
 bool Interruption::sleep(std::chrono::milliseconds time) {
     std::unique_lock lock(mutex_);
     return !changed_.wait_for(lock, time, [this] { return interrupted_; });
+}
+
+bool Interruption::isInterrupted() {
+    const std::lock_guard lock(mutex_);
+    return interrupted_;
 }
 
 void Interruption::interrupt() {
@@ -230,7 +233,7 @@ void transmit(
     }
     setBody(std::move(reply.body), reply.contentType, manner.gzip, response);
     if (alter) {
-        sendAltered(altered(std::exchange(response.body, {}), manner), interruption, response);
+        setAlteredBody(altered(std::exchange(response.body, {}), manner), interruption, response);
     }
 }
 

@@ -18,6 +18,7 @@ class Interruption {
 public:
     /// False when the wait was cut short by the stop.
     bool sleep(std::chrono::milliseconds time);
+    bool isInterrupted();
     void interrupt();
 
 private:
