@@ -1,6 +1,7 @@
 """What a site does with the installed packages: it configures the tool, uses it, and looks after
 the logs."""
 
+import gettext
 import os
 import pathlib
 import re
@@ -84,6 +85,21 @@ class Site:
             status, text = self._root.run(*words, user=STRANGER)
             self.check(f"another user has no {words[0]} in the logs", status == 0 and text or "")
         self.check_library()
+        self._check_languages()
+
+    def _check_languages(self):
+        """The failure of a host that nobody knows, in each language that is installed."""
+        _, line = self.run("-list", "-host", "nobody.example.com")
+        english = line.strip().partition("Exit Status 8902: ")[2]
+        folders = sorted(self._root.at(f"{PLATFORM}/locale").iterdir())
+        self.check("there are languages", not folders or not english and line)
+        for folder in folders:
+            with (folder / "LC_MESSAGES/akhostmgmt.mo").open("rb") as file:
+                expected = gettext.GNUTranslations(file).pgettext("SmeHmm0040N", english)
+            _, line = self.run("-list", "-host", "nobody.example.com",
+                               environment={"LANGUAGE": folder.name})  # fmt: skip
+            self.check(f"a failure in {folder.name}", expected == english and "not translated",
+                       expected not in line and line)  # fmt: skip
 
     def check_library(self):
         """The tool takes its own build of libcurl from beside itself, and not the system's."""
