@@ -25,7 +25,7 @@ fuzz_packages=(clang libclang-rt-14-dev)
 
 # What making and testing packages stands on besides: rpm makes and installs one kind, the linters
 # know each kind's rules, the others do what an administrator does with an installed tool.
-package_packages=(dpkg-dev file rpm lintian rpmlint logrotate acl iproute2)
+package_packages=(git dpkg-dev file rpm lintian rpmlint logrotate acl iproute2)
 
 say() { printf '\n== %s\n' "$*"; }
 
