@@ -17,9 +17,9 @@ target_compile_options(akhostmgmt_hardening INTERFACE
 target_link_options(akhostmgmt_hardening INTERFACE
   -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack -Wl,--as-needed)
 
-# Programs bear no name of the folder that they were built in, so that the same sources give the same
-# bytes anywhere, also where ccache makes names relative (CCACHE_BASEDIR). The last name counts first:
-# the build folder lies in the source folder.
+# Programs bear no name of the folder that they were built in, so that the same sources give the
+# same bytes anywhere, also where ccache makes names relative (CCACHE_BASEDIR). The last name counts
+# first: the build folder lies in the source folder.
 file(RELATIVE_PATH sources ${CMAKE_BINARY_DIR} ${CMAKE_SOURCE_DIR}/CMakeLists.txt)
 get_filename_component(sources ./${sources} DIRECTORY)
 string(REGEX REPLACE "^\\./" "" sources ${sources})
