@@ -183,7 +183,8 @@ TEST(Fault, ARequestInTheMiddleIsAnsweredWhenTheServerStops) {
         EXPECT_EQ(reply.status, 200);
         EXPECT_NE(reply.body.find("in time"), std::string::npos);
     });
-    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    // A slow machine needs longer until the request is there.
+    std::this_thread::sleep_for(std::chrono::seconds(2));
     faulty.server.stop();
     asking.join();
     EXPECT_EQ(faulty.server.audit().size(), 1U);
