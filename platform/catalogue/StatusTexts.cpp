@@ -41,7 +41,8 @@ constexpr std::array statusTexts{
         Retry::check),
     statusText(
         status::noPrimaryServer, "Status37",
-        "No primary server is known; name it with -server or in the master configuration.",
+        "No primary server is known; name it with -server or in the master configuration, "
+        "etc/master.toml.",
         Retry::no),
     statusText(
         status::fileNotFound, "Status104",
@@ -109,17 +110,18 @@ constexpr std::array statusTexts{
         "The HTTPS client failed; the debug log tells the reason.", Retry::check),
     statusText(
         status::noCertificateRow, "Status7640",
-        "There is no certificate information for this server; check its name, or enrol this host "
-        "with it first.",
+        "There is no certificate information for this server in etc/certificates.toml; check "
+        "its name, or enrol this host with it first.",
         Retry::no),
     statusText(
         status::malformedCertificateInfo, "Status7641",
-        "The certificate information cannot be read or is malformed; the debug log tells where.",
+        "The certificate information, etc/certificates.toml, cannot be read or is malformed; "
+        "the debug log tells where.",
         Retry::no),
     statusText(
         status::unusableCertificate, "Status7642",
-        "The certificate, the private key or the authorities for this server cannot be read or "
-        "used; the debug log tells which file.",
+        "The certificate, the private key or the authorities that etc/certificates.toml names "
+        "for this server cannot be read or used; the debug log tells which file.",
         Retry::no),
     statusText(
         status::openPrivateKey, "Status7643",

@@ -46,8 +46,7 @@ class Outputs(unittest.TestCase):
     def test_what_is_in_the_catalogue_is_marked(self):
         for printed in (
             "Unknown run time error.\n",
-            "Exit Status 37: No primary server is known; name it with -server or in the master "
-            "configuration.\n",
+            f"Exit Status 37: {case_files.status_text(37)}\n",
             "x is successfully mapped to y.",
             f"\n{'Host':40} : h",
             f"\n{'Host ID':39} «Mapped Names»",
