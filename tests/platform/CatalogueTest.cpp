@@ -277,7 +277,8 @@ TEST(StatusTexts, EveryCodeHasOneSentenceOfItsOwn) {
                                  7643, 7644, 7650, 7651, 8614, 8701, 8900, 8901, 8902};
     EXPECT_EQ(codes, required);
     const zvlocale plain{"C", "C"};
-    const std::regex sentence("[A-Z][^.]*(\\d\\.\\d[^.]*)?\\.");
+    // A full stop ends it; one in a number or in the name of a file does not.
+    const std::regex sentence("[A-Z]([^.]|\\.[\\da-z])*\\.");
     std::set<std::string> seen;
     for (const int code : codes) {
         const std::string text = getECmsgl(code, plain);
