@@ -57,6 +57,11 @@ def status_text(code, texts=_status_texts()):
     return texts.get(str(code)) or texts["Unknown"].replace("%d", str(code))
 
 
+def shell_status(status):
+    """What a shell sees: eight bits, which are never 0 for a failure."""
+    return status % 256 or (255 if status else 0)
+
+
 class Texts:
     """Builds the bytes of a text value: a string with placeholders, a table, or a list of both."""
 

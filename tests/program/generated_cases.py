@@ -1,6 +1,7 @@
 """What the programs among the case files share: every operation with the request it is about."""
 
 import case_files
+from case_files import shell_status
 
 LIST = "/arkeon/config/hosts/hostmappings"
 LOOKUP = LIST + "?mappedhostname=h"
@@ -70,10 +71,6 @@ ADD_HOST = Operation("-addhost", ["-addhost", "-host", "h"], [{
 }], asked=ASKED)  # fmt: skip
 # One for each kind of request.
 REQUESTS = [LISTING, OWN, LOOKUPS[0], ADD, DELETE, REISSUE, ADD_HOST]
-
-
-def shell_status(code):
-    return code % 256 or (255 if code else 0)
 
 
 def failure(code):

@@ -20,9 +20,10 @@ from datetime import datetime, timezone
 
 import listing_model
 import local_server
+from case_files import shell_status
 from host_model import HostModel, audit_table, differences, settle
 from random_operations import RandomOperations
-from tool_model import ToolModel, shell_status, usages
+from tool_model import ToolModel, usages
 
 PARTS = 4
 INTERVAL = 100

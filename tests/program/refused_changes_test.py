@@ -13,8 +13,9 @@ import unittest
 
 import local_server
 import refused_changes as table
+from case_files import shell_status
 from host_model import AuditRow, differences
-from tool_model import OWN_HOST_ID, Failure, ToolModel, shell_status, usages
+from tool_model import OWN_HOST_ID, Failure, ToolModel, usages
 
 ANSWER = b"y\n"
 

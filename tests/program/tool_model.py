@@ -7,6 +7,7 @@ from dataclasses import dataclass
 import case_files
 import command_line_model as line
 import listing_model
+from case_files import shell_status
 from host_model import COLLECTION, Refused, text
 
 OWN_HOST_ID = "0a0aa0a0-0000-0aa0-aa00-000a0a00a0a0"
@@ -27,11 +28,6 @@ NO_MAPPINGS = "Mappings for the specified host do not exist."
 NOTHING_FOUND = "Mappings for the specified option do not exist.\n"
 LOGIN_NEEDED = "Authorization failed. A web login is required. Run the 'akauth -login -loginType \
 WEB|APIKEY' command to login.\n"
-
-
-def shell_status(status):
-    """What a shell sees: eight bits, which are never 0 for a failure."""
-    return status % 256 or (255 if status else 0)
 
 
 def status_line(code, sentence=None):
