@@ -1,8 +1,8 @@
-// The least that a listing can cost with these libraries: the request, one buffer, one json_loads.
+// The least that a listing can cost with these libraries: one request, one buffer, one json_loads.
 //
 //   akbench_floor CA CERTIFICATE KEY HEADERFILE URL
 //
-// Nothing is printed and nothing freed. Exit status 0 when the reply was a 200 with JSON.
+// Prints nothing and frees nothing. Exits with 0 if the reply has HTTP status 200 and is JSON.
 
 #include <cstdio>
 #include <cstdlib>
@@ -13,35 +13,34 @@
 
 namespace {
 
-/// What was received. Memory is asked for twice as much at a time and costs nothing until it is
-/// written to.
+/// The reply's body. The capacity doubles; memory that is not written to costs nothing.
 struct Body {
     char* data = nullptr;
     std::size_t size = 0;
-    std::size_t room = 0;
+    std::size_t capacity = 0;
 };
 
-bool makeRoom(Body& body, std::size_t size) {
+bool reserve(Body& body, std::size_t size) {
     constexpr std::size_t first = std::size_t{64} * 1024;
-    std::size_t room = body.room == 0 ? first : body.room;
-    while (room < size) {
-        room *= 2;
+    std::size_t capacity = body.capacity == 0 ? first : body.capacity;
+    while (capacity < size) {
+        capacity *= 2;
     }
-    if (room == body.room) {
+    if (capacity == body.capacity) {
         return true;
     }
-    char* data = static_cast<char*>(std::realloc(body.data, room));
+    char* data = static_cast<char*>(std::realloc(body.data, capacity));
     if (data == nullptr) {
         return false;
     }
     body.data = data;
-    body.room = room;
+    body.capacity = capacity;
     return true;
 }
 
 std::size_t append(char* data, std::size_t one, std::size_t size, void* context) {
     Body& body = *static_cast<Body*>(context);
-    if (!makeRoom(body, body.size + size + 1)) {
+    if (!reserve(body, body.size + size + 1)) {
         return 0;
     }
     std::char_traits<char>::copy(body.data + body.size, data, size);
@@ -86,14 +85,14 @@ int request(CURL* curl, Body& body) {
     long status = 0;
     curl_easy_getinfo(curl, CURLINFO_RESPONSE_CODE, &status);
     constexpr long ok = 200;
-    return status == ok ? 0 : failed("the status is not 200");
+    return status == ok ? 0 : failed("the HTTP status is not 200");
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    constexpr int words = 6;
-    CURL* curl = argc == words ? curl_easy_init() : nullptr;
+    constexpr int wordCount = 6;
+    CURL* curl = argc == wordCount ? curl_easy_init() : nullptr;
     if (curl == nullptr) {
         return failed("usage: akbench_floor CA CERTIFICATE KEY HEADERFILE URL");
     }

@@ -1,19 +1,19 @@
-# What `akhostmgmt -list` prints for the server's reply; to be run with -j.
+# Prints what `akhostmgmt -list` prints for the server's reply; run it with -j.
 
-"                                        " as $blanks
-| def pad($width): . + $blanks[utf8bytelength:$width];
+"                                        " as $spaces
+| def pad($width): . + $spaces[utf8bytelength:$width];
 
 def yes: if . then "Yes" else "No" end;
 
 def date: (. // 0) / 1000 | floor | strflocaltime("%b %d, %Y %I:%M:%S %p");
 
-# A name of 16 bytes or more is cut to 15 without splitting a letter.
+# A name of 16 bytes or more is cut to at most 15, between characters.
 def trimmed:
   if utf8bytelength < 16 then .
   else .[:15] | until(utf8bytelength < 16; .[:-1]) | . + "~"
   end;
 
-def row:
+def mapping:
   "\n"
   + ((.mappedHostName // "") | trimmed | pad(20))
   + (.isApproved | yes | pad(14))
@@ -23,7 +23,7 @@ def row:
   + (.createdOn | date | pad(30))
   + (.updatedOn | date | pad(22));
 
-def block:
+def details:
   "\nHost ID                                  : \(.uuid // "")"
   + "\nHost                                     : \(.hostName // "")"
   + "\nMaster Server                            : \(.masterServer // "")"
@@ -47,7 +47,7 @@ def block:
   + "Created On                    Last Updated On       ";
 
 .hosts[]
-| block,
-  (.hostMappings[] | select(.isApproved == true) | row),
-  (.hostMappings[] | select(.isApproved == false) | row),
+| details,
+  (.hostMappings[] | select(.isApproved == true) | mapping),
+  (.hostMappings[] | select(.isApproved == false) | mapping),
   "\n"

@@ -1,13 +1,14 @@
-// Runs a command, or several as a pipeline, and prints what it took as one line of JSON:
+// Runs a pipeline of one or more commands and prints its times and memory as one line of JSON:
 //
 //   akbench_measure [-o FILE] [-e FILE] COMMAND [ARGUMENT...] ['|' COMMAND [ARGUMENT...]]...
 //
-// The first command reads nothing; the last one's output goes to the -o file and everyone's errors
-// to the -e file, both /dev/null when left out. CPU times are added up, the peak is that of the
-// largest process. A command that a signal ended has the status 128 and the signal's number.
+// The first command reads /dev/null, the last one writes to the -o file, and the standard error of
+// all goes to the -e file; both files are /dev/null by default. CPU time is the sum over all
+// processes, peak memory that of the largest one. The status of a command terminated by a signal is
+// 128 plus the signal's number.
 //
-// A small program of its own, because a process begins with the peak memory of the one that
-// started it. Its exit status is 0 when every command could be started, however it ended.
+// This is a small program because a process inherits the peak memory of the one that started it.
+// Its exit status is 0 if every command could be started.
 
 #include <cerrno>
 #include <cstdio>
@@ -26,7 +27,7 @@ namespace {
 
 using Command = std::vector<char*>;
 
-struct Plan {
+struct Pipeline {
     const char* output = "/dev/null";
     const char* errors = "/dev/null";
     std::vector<Command> commands;
@@ -38,31 +39,31 @@ struct Process {
     rusage used{};
 };
 
-bool readOptions(Plan& plan, char**& word) {
+bool readOptions(Pipeline& pipeline, char**& word) {
     for (; *word != nullptr && **word == '-'; word += 2) {
         const std::string_view option = *word;
         if (word[1] == nullptr || (option != "-o" && option != "-e")) {
             return false;
         }
-        (option == "-o" ? plan.output : plan.errors) = word[1];
+        (option == "-o" ? pipeline.output : pipeline.errors) = word[1];
     }
     return true;
 }
 
-/// False when the command line is none: an unknown option, or a command without a word.
-bool readPlan(Plan& plan, char** word) {
-    if (!readOptions(plan, word)) {
+/// Returns false for an unknown option and for a command without a word.
+bool readPipeline(Pipeline& pipeline, char** word) {
+    if (!readOptions(pipeline, word)) {
         return false;
     }
-    plan.commands.emplace_back();
+    pipeline.commands.emplace_back();
     for (; *word != nullptr; ++word) {
         if (std::string_view(*word) == "|") {
-            plan.commands.emplace_back();
+            pipeline.commands.emplace_back();
         } else {
-            plan.commands.back().push_back(*word);
+            pipeline.commands.back().push_back(*word);
         }
     }
-    for (Command& command : plan.commands) {
+    for (Command& command : pipeline.commands) {
         if (command.empty()) {
             return false;
         }
@@ -80,7 +81,7 @@ int opened(const char* path, int flags) {
     return file;
 }
 
-/// Starts a command with these three streams; they stay open here.
+/// Starts a command with these three streams, which stay open in this process.
 bool start(const Command& command, int input, int output, int errors, Process& process) {
     posix_spawn_file_actions_t streams{};
     posix_spawn_file_actions_init(&streams);
@@ -96,17 +97,17 @@ bool start(const Command& command, int input, int output, int errors, Process& p
     return failure == 0;
 }
 
-/// Starts all commands; each pipe is closed here as soon as both its ends have an owner, so that a
-/// command that ends is noticed by its neighbours.
-bool startAll(const Plan& plan, int output, int errors, std::vector<Process>& processes) {
+/// Starts all commands. This process closes its ends of each pipe, so that a command sees end of
+/// file or SIGPIPE when its neighbour ends.
+bool startAll(const Pipeline& pipeline, int output, int errors, std::vector<Process>& processes) {
     int input = opened("/dev/null", O_RDONLY);
     bool started = input >= 0;
-    for (std::size_t i = 0; started && i < plan.commands.size(); ++i) {
-        const bool isLast = i + 1 == plan.commands.size();
+    for (std::size_t i = 0; started && i < pipeline.commands.size(); ++i) {
+        const bool isLast = i + 1 == pipeline.commands.size();
         int pipeEnds[2] = {-1, output};
         started = isLast || pipe2(pipeEnds, O_CLOEXEC) == 0;
         Process process;
-        started = started && start(plan.commands[i], input, pipeEnds[1], errors, process);
+        started = started && start(pipeline.commands[i], input, pipeEnds[1], errors, process);
         if (started) {
             processes.push_back(process);
         }
@@ -150,35 +151,34 @@ void print(const std::vector<Process>& processes, double wall) {
     double cpu = 0;
     long peak = 0;
     std::string statuses;
-    std::string peaks;
     for (const Process& process : processes) {
         const char* separator = statuses.empty() ? "" : ",";
         cpu += seconds(process.used.ru_utime) + seconds(process.used.ru_stime);
         peak = peak < process.used.ru_maxrss ? process.used.ru_maxrss : peak;
         statuses += separator + std::to_string(process.status);
-        peaks += separator + std::to_string(process.used.ru_maxrss);
     }
     std::printf(
-        R"({"wall":%.6f,"cpu":%.6f,"peak_kib":%ld,"statuses":[%s],"peaks_kib":[%s]})"
+        R"({"wall":%.6f,"cpu":%.6f,"peak_kib":%ld,"statuses":[%s]})"
         "\n",
-        wall, cpu, peak, statuses.c_str(), peaks.c_str());
+        wall, cpu, peak, statuses.c_str());
 }
 
 }  // namespace
 
 int main(int /*argc*/, char** argv) {
-    Plan plan;
-    if (!readPlan(plan, argv + 1)) {
+    Pipeline pipeline;
+    if (!readPipeline(pipeline, argv + 1)) {
         std::fputs(
             "Usage: akbench_measure [-o FILE] [-e FILE] COMMAND [ARGUMENT...] ['|' ...]\n", stderr);
         return 2;
     }
     constexpr int writing = O_WRONLY | O_CREAT | O_TRUNC | O_APPEND;
-    const int output = opened(plan.output, writing);
-    const int errors = opened(plan.errors, writing);
+    const int output = opened(pipeline.output, writing);
+    const int errors = opened(pipeline.errors, writing);
     std::vector<Process> processes;
     const double begin = now();
-    const bool started = output >= 0 && errors >= 0 && startAll(plan, output, errors, processes);
+    const bool started =
+        output >= 0 && errors >= 0 && startAll(pipeline, output, errors, processes);
     awaitAll(processes);
     const double wall = now() - begin;
     if (!started) {

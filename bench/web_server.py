@@ -1,4 +1,4 @@
-"""nginx on an address of its own, with prepared replies, and what it noted about the requests."""
+"""nginx with prepared replies on a loopback address, and its log of the requests."""
 
 import dataclasses
 import os
@@ -19,17 +19,17 @@ CONFIGURATION = """
 daemon off;
 {user}
 worker_processes 1;
-pid {folder}/pid;
-error_log {folder}/error.log warn;
+pid {directory}/pid;
+error_log {directory}/error.log warn;
 events {{ worker_connections 64; }}
 http {{
-  client_body_temp_path {folder}/body;
-  proxy_temp_path {folder}/proxy;
-  fastcgi_temp_path {folder}/fastcgi;
-  uwsgi_temp_path {folder}/uwsgi;
-  scgi_temp_path {folder}/scgi;
+  client_body_temp_path {directory}/body;
+  proxy_temp_path {directory}/proxy;
+  fastcgi_temp_path {directory}/fastcgi;
+  uwsgi_temp_path {directory}/uwsgi;
+  scgi_temp_path {directory}/scgi;
   log_format fields escape=none '{fields}';
-  access_log {folder}/access.log fields;
+  access_log {directory}/access.log fields;
   keepalive_timeout 60;
   gzip off;
   gzip_static on;
@@ -37,11 +37,11 @@ http {{
   map $arg_mappedhostname $reply {{ "" listing.json; default found.json; }}
   server {{
     listen {address}:{port} ssl;
-    root {folder}/replies;
+    root {directory}/replies;
     ssl_protocols TLSv1.2 TLSv1.3;
     ssl_certificate {certificate};
     ssl_certificate_key {key};
-    ssl_client_certificate {authority};
+    ssl_client_certificate {ca};
     ssl_verify_client on;
     location = /arkeon/config/hosts/hostmappings {{ try_files /$reply =404; }}
     location ~ ^/arkeon/config/hosts/[^/]+$ {{ try_files /host.json =404; }}
@@ -58,7 +58,7 @@ http {{
 class Request:
     """One line of the access log."""
 
-    connection: int  # counts every connection that was accepted, also one without a request
+    connection: int  # all accepted connections are numbered, even those without a request
     connection_requests: int
     ssl_session_reused: str
     status: int
@@ -73,8 +73,8 @@ class Request:
     http_content_length: str
     http_x_arkeon_audit_reason: str
 
-    def asked(self):
-        """What has to be the same for two programs to have done the same."""
+    def content(self):
+        """The part that is equal if two programs send the same request."""
         return dataclasses.astuple(self)[5:]
 
 
@@ -85,28 +85,28 @@ def parsed(line):
 
 
 class WebServer:
-    """Runs during a `with`. The replies are files in the folder `replies`, for others to write."""
+    """Runs during a `with`, and serves the files that the workloads write to `replies`."""
 
-    def __init__(self, stage):
-        self.folder = stage.folder / "nginx"
-        self.replies = self.folder / "replies"
+    def __init__(self, workspace):
+        self.directory = workspace.directory / "nginx"
+        self.replies = self.directory / "replies"
         self.replies.mkdir(parents=True)
-        self._address = stage.address
+        self._address = workspace.address
         self._read = 0
         text = CONFIGURATION.format(
-            user="" if os.geteuid() else "user root;", folder=self.folder,
-            fields="\t".join(f"${field}" for field in FIELDS), address=stage.address, port=PORT,
-            certificate=stage.server_certificate, key=stage.server_key,
-            authority=stage.authority)  # fmt: skip
-        (self.folder / "nginx.conf").write_text(text)
+            user="" if os.geteuid() else "user root;", directory=self.directory,
+            fields="\t".join(f"${field}" for field in FIELDS), address=workspace.address, port=PORT,
+            certificate=workspace.server_certificate, key=workspace.server_key,
+            ca=workspace.ca)  # fmt: skip
+        (self.directory / "nginx.conf").write_text(text)
 
     def __enter__(self):
-        command = ["nginx", "-p", self.folder, "-c", self.folder / "nginx.conf"]
-        command += ["-e", self.folder / "error.log"]
+        command = ["nginx", "-p", self.directory, "-c", self.directory / "nginx.conf"]
+        command += ["-e", self.directory / "error.log"]
         environment = os.environ | {"PATH": f"{os.environ['PATH']}:/usr/sbin"}
         self._process = subprocess.Popen(command, stdin=subprocess.DEVNULL, env=environment)
         try:
-            self._await_answer()
+            self._await_start()
         except BaseException:
             self.__exit__()
             raise
@@ -116,7 +116,7 @@ class WebServer:
         self._process.terminate()
         self._process.wait()
 
-    def _await_answer(self):
+    def _await_start(self):
         until = time.monotonic() + 20
         while time.monotonic() < until and self._process.poll() is None:
             try:
@@ -124,12 +124,12 @@ class WebServer:
                 return
             except OSError:
                 time.sleep(0.05)
-        raise Failure(f"nginx did not start: {(self.folder / 'error.log').read_text()}")
+        raise Failure(f"nginx did not start: {(self.directory / 'error.log').read_text()}")
 
     def new_requests(self, count):
-        """The requests that were noted since the last call, of which there have to be `count`.
+        """Returns the requests logged since the last call; fails unless there are `count`.
 
-        nginx notes a request after it has answered it, hence the waiting.
+        Waits for them, because nginx logs a request after it has sent the reply.
         """
         until = time.monotonic() + 10
         lines = self._new_lines()
@@ -141,10 +141,10 @@ class WebServer:
         self._read += sum(len(line.encode()) + 1 for line in lines)
         requests = [parsed(line) for line in lines]
         if len(requests) != count:
-            raise Failure(f"{len(requests)} requests instead of {count}: {requests}")
+            raise Failure(f"{len(requests)} requests, not {count}: {requests}")
         return requests
 
     def _new_lines(self):
-        with open(self.folder / "access.log", "rb") as log:
+        with open(self.directory / "access.log", "rb") as log:
             log.seek(self._read)
             return log.read().decode().split("\n")[:-1]

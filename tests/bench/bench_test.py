@@ -1,4 +1,4 @@
-"""What the benchmark's tests share: a stage, a server with replies, and how a program ends."""
+"""Shared by the benchmark's tests: a workspace, a scripted server, and the main function."""
 
 import os
 import sys
@@ -6,7 +6,7 @@ import unittest
 
 import scripted_server
 from runner import Runner
-from stage import Stage
+from workspace import Workspace
 
 PROGRAMS = os.environ["BENCH_PROGRAMS"]
 TOOL = os.environ["BENCH_TOOL"]
@@ -14,31 +14,31 @@ JQ = os.environ["BENCH_JQ"]
 
 
 def http_reply(body, status="200 OK"):
-    head = f"HTTP/1.1 {status}\r\nContent-Type: text/plain\r\nContent-Length: {len(body)}\r\n\r\n"
-    return scripted_server.Reply(head.encode() + body)
+    start = f"HTTP/1.1 {status}\r\nContent-Type: text/plain\r\nContent-Length: {len(body)}\r\n\r\n"
+    return scripted_server.Reply(start.encode() + body)
 
 
-class StageTest(unittest.TestCase):
-    """Tests on a stage for an address of their own, where `serve` starts a server."""
+class WorkspaceTest(unittest.TestCase):
+    """Tests with a workspace; `serve` starts a server at its address."""
 
     @classmethod
     def setUpClass(cls):
-        cls.stage = Stage(PROGRAMS, scripted_server.random_address())
-        cls.addClassCleanup(cls.stage.__exit__)
-        cls.runner = Runner(cls.stage)
+        cls.workspace = Workspace(PROGRAMS, scripted_server.random_address())
+        cls.addClassCleanup(cls.workspace.__exit__)
+        cls.runner = Runner(cls.workspace)
 
     def serve(self, *replies):
-        """Starts a server that gives these replies, in this order, until the test's end."""
+        """Starts a server that sends these replies in order; it stops at the end of the test."""
         context = scripted_server.server_context(
-            self.stage.server_certificate, self.stage.server_key, self.stage.authority)
-        listener = scripted_server.listen(self.stage.address)
+            self.workspace.server_certificate, self.workspace.server_key, self.workspace.ca)
+        listener = scripted_server.listen(self.workspace.address)
         server = scripted_server.ScriptedServer(listener, context, replies)
         self.addCleanup(server.stop)
         return server
 
 
 def run():
-    """The main function of a test program; ends with the closing line that counts."""
+    """The main function of a test program; prints the counts in its last line."""
     result = unittest.main(argv=sys.argv[:1], exit=False, verbosity=2).result
     failed = len(result.failures) + len(result.errors)
     passed = max(result.testsRun - failed, 0)

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The prepared replies: the same ones every time, as JSON and as the same JSON with gzip."""
+"""The generated replies: the same every time, plain and with gzip."""
 
 import collections
 import gzip
@@ -17,12 +17,12 @@ def listing(count):
 
 
 class Listings(unittest.TestCase):
-    def test_has_as_many_hosts_as_asked_for(self):
+    def test_has_the_requested_number_of_hosts(self):
         for count in (1, 999, 1000, 1001):
             with self.subTest(count=count):
                 self.assertEqual(len(json.loads(listing(count))["hosts"]), count)
 
-    def test_is_always_the_same(self):
+    def test_is_reproducible(self):
         self.assertEqual(listing(50), listing(50))
 
     def test_a_longer_one_begins_with_the_shorter_one(self):
@@ -37,36 +37,36 @@ class Listings(unittest.TestCase):
             self.assertEqual(len(host), 19)
             self.assertEqual([len(each) for each in host["hostMappings"]], [7, 7, 7])
 
-    def test_names_and_ids_are_those_of_one_host_only(self):
+    def test_names_and_ids_are_unique(self):
         records = json.loads(listing(3000))["hosts"]
         names = [each["mappedHostName"] for host in records for each in host["hostMappings"]]
         identities = [host["uuid"] for host in records]
         for values in (names, identities):
             self.assertEqual(max(collections.Counter(values).values()), 1)
 
-    def test_shows_all_that_differs_between_hosts(self):
+    def test_hosts_differ_in_every_way_that_is_displayed(self):
         records = json.loads(listing(1000))["hosts"]
-        rows = [row for host in records for row in host["hostMappings"]]
-        self.assertEqual({row["isApproved"] for row in rows}, {True, False})
-        self.assertEqual({row["isConflicting"] for row in rows}, {True, False})
-        self.assertEqual({row["isAddedManually"] for row in rows}, {True, False})
+        mappings = [each for host in records for each in host["hostMappings"]]
+        self.assertEqual({each["isApproved"] for each in mappings}, {True, False})
+        self.assertEqual({each["isConflicting"] for each in mappings}, {True, False})
+        self.assertEqual({each["isAddedManually"] for each in mappings}, {True, False})
         self.assertIn(None, {host["comment"] for host in records})
         self.assertFalse(listing(1000).isascii())
-        lengths = {len(row["mappedHostName"].encode()) < 16 for row in rows}
+        lengths = {len(each["mappedHostName"].encode()) < 16 for each in mappings}
         self.assertEqual(lengths, {True, False})
 
-    def test_dates_lie_in_the_years_of_the_tool(self):
+    def test_dates_are_from_2020_to_2026(self):
         records = json.loads(listing(1000))["hosts"]
-        dates = [row[key] for host in records for row in host["hostMappings"]
+        dates = [each[key] for host in records for each in host["hostMappings"]
                  for key in ("createdOn", "updatedOn")]  # fmt: skip
         self.assertGreaterEqual(min(dates), 1_577_836_800_000)
         self.assertLess(max(dates), 1_798_761_600_000)
 
 
 class Files(unittest.TestCase):
-    def test_both_hold_the_same_bytes(self):
-        with tempfile.TemporaryDirectory() as folder:
-            path = pathlib.Path(folder) / "listing.json"
+    def test_the_plain_and_the_gzip_file_have_the_same_content(self):
+        with tempfile.TemporaryDirectory() as directory:
+            path = pathlib.Path(directory) / "listing.json"
             size = hosts.write_reply(path, hosts.listing(1500, "primary"))
             self.assertEqual(path.read_bytes(), listing(1500))
             self.assertEqual(size, path.stat().st_size)

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""The jq programs beside which the tool is measured print the tool's bytes."""
+"""The jq programs that the tool is compared with print the same bytes as the tool."""
 
 import bench_test
 import hosts
-import works
+import workloads
 from runner import Failure
 
 
@@ -19,14 +19,14 @@ def host(name, *mappings, **others):
 
 NULLS = dict.fromkeys(
     key for key in hosts.host(1, "primary") if key not in ("uuid", "hostMappings"))
-NO_ANSWERS = dict.fromkeys(key for key in row("x") if key != "mappedHostName")
-ODD_HOSTS = [
+NULL_MEMBERS = dict.fromkeys(key for key in row("x") if key != "mappedHostName")
+UNUSUAL_HOSTS = [
     host("nomappings"),
     host(None, row("nullhost"), row(None), **NULLS),
     host(None, row(None), row("second")),
-    host("unanswered", row("unanswered", **NO_ANSWERS), row("b", isApproved=None),
-         row("c", **NO_ANSWERS | {"isApproved": True}),
-         row("d", **NO_ANSWERS | {"isApproved": False})),
+    host("nulls", row("nulls", **NULL_MEMBERS), row("b", isApproved=None),
+         row("c", **NULL_MEMBERS | {"isApproved": True}),
+         row("d", **NULL_MEMBERS | {"isApproved": False})),
     host("primary-in-the-middle", row("a"), row("primary-in-the-middle"), row("z")),
     host("not-among-them", row("first"), row("second"), row("third")),
     host("twice", row("twice"), row("other"), row("twice")),
@@ -39,29 +39,29 @@ ODD_HOSTS = [
     host("summertime", row("before", createdOn=1_711_846_799_999, updatedOn=1_711_846_800_000),
          row("after", createdOn=1_729_990_799_000, updatedOn=1_729_990_800_000),
          autoReissue=True, autoReissueDuration=4_102_444_800_000),
-    host("answers", row("yes", isConflicting=True, isAddedManually=True, isShared=True)),
+    host("all-true", row("yes", isConflicting=True, isAddedManually=True, isShared=True)),
     host('quotes" and \\ and / and 😀', row("tab\tand\x01control")),
     host("-40 wide-", row("x"), uuid="u" * 41), host("narrow", row("x"), uuid="ü"),
 ]  # fmt: skip
 
 
-class SameBytes(bench_test.StageTest):
+class SameBytes(bench_test.WorkspaceTest):
     def reply(self, listing):
-        """Serves a listing twice, for the tool and for curl's stand-in."""
+        """Serves a listing to the tool, and writes it to a file that takes curl's place."""
         data = hosts.compact({"hosts": listing}).encode()
-        self.data = self.stage.folder / "reply"
+        self.data = self.workspace.directory / "reply"
         self.data.write_bytes(data)
         self.serve(bench_test.http_reply(data))
 
     def compare(self, form):
-        """Compares the tool's output in a format with that of jq; how many bytes they are."""
-        [ours], [_, jq] = works.listing_commands(self.stage, form)
-        return self.runner.demand_same_output(
+        """Compares the tool's output in a format with jq's; returns the number of bytes."""
+        [ours], [_, jq] = workloads.listing_commands(self.workspace, form)
+        return self.runner.require_same_output(
             [[bench_test.TOOL, *ours[1:]]], [["cat", str(self.data)], [bench_test.JQ, *jq[1:]]])
 
-    def test_of_odd_hosts(self):
-        for form in works.FORMATS:
-            for record in ODD_HOSTS:
+    def test_unusual_hosts(self):
+        for form in workloads.FORMATS:
+            for record in UNUSUAL_HOSTS:
                 with self.subTest(form=form, host=record["hostName"]):
                     self.reply([record])
                     try:
@@ -69,8 +69,8 @@ class SameBytes(bench_test.StageTest):
                     finally:
                         self.doCleanups()
 
-    def test_of_many_hosts(self):
-        for form in works.FORMATS:
+    def test_many_hosts(self):
+        for form in workloads.FORMATS:
             with self.subTest(form=form):
                 self.reply([hosts.host(number, "primary") for number in range(1, 301)])
                 try:
@@ -81,13 +81,13 @@ class SameBytes(bench_test.StageTest):
     def test_a_difference_is_a_failure(self):
         for one, two in (("a", "b"), ("a", "aa"), ("a", "")):
             with self.assertRaisesRegex(Failure, "differ"):
-                self.runner.demand_same_output([["printf", one]], [["printf", two]])
+                self.runner.require_same_output([["printf", one]], [["printf", two]])
 
     def test_a_difference_leaves_no_files(self):
-        before = sorted(self.stage.folder.iterdir())
+        before = sorted(self.workspace.directory.iterdir())
         with self.assertRaises(Failure):
-            self.runner.demand_same_output([["printf", "a"]], [["printf", "b"]])
-        self.assertEqual([file for file in sorted(self.stage.folder.iterdir())
+            self.runner.require_same_output([["printf", "a"]], [["printf", "b"]])
+        self.assertEqual([file for file in sorted(self.workspace.directory.iterdir())
                           if file not in before and file.name != "errors"], [])  # fmt: skip
 
 
