@@ -31,7 +31,10 @@ target_compile_options(akhostmgmt_reproducible INTERFACE
 add_library(akhostmgmt_sanitizers INTERFACE)
 target_compile_options(akhostmgmt_sanitizers INTERFACE
   -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
-target_link_options(akhostmgmt_sanitizers INTERFACE -fsanitize=address,undefined)
+# With GCC, libasan.so calls dlopen for the program; a RUNPATH counts only for the program's own
+# calls, an RPATH for these too.
+target_link_options(akhostmgmt_sanitizers INTERFACE
+  -fsanitize=address,undefined -Wl,--disable-new-dtags)
 if(AKHOSTMGMT_FUZZ)
   target_compile_options(akhostmgmt_sanitizers INTERFACE -fsanitize=fuzzer-no-link)
 endif()
@@ -39,13 +42,6 @@ endif()
 add_library(akhostmgmt_coverage INTERFACE)
 target_compile_options(akhostmgmt_coverage INTERFACE --coverage -fprofile-update=atomic)
 target_link_options(akhostmgmt_coverage INTERFACE --coverage)
-
-# What the tool itself is linked with besides: its start takes less time without the shared C++
-# library and with fewer pages; the sanitizers want the shared one.
-add_library(akhostmgmt_program INTERFACE)
-target_link_options(akhostmgmt_program INTERFACE
-  $<$<NOT:$<BOOL:${AKHOSTMGMT_SANITIZE}>>:-static-libstdc++ -static-libgcc>
-  -Wl,--gc-sections)
 
 # For tests, whose own code need not be fast: half the time to compile, lines in a backtrace.
 add_library(akhostmgmt_test_settings INTERFACE)

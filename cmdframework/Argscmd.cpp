@@ -46,7 +46,7 @@ void CArgscmd::parse(int argc, char** argv) {
     }
 }
 
-bool CArgscmd::isOptionArgument(const char* s) {
+bool CArgscmd::isOptionArgument(const char* s) const {
     return s != nullptr && *s == '-';
 }
 
@@ -75,7 +75,8 @@ unsigned int CArgscmd::numericValue(const char* name) const {
     std::istringstream stream(value);
     unsigned int number = 0;
     char rest = 0;
-    if (!(stream >> number) || stream >> rest) {
+    // The stream would accept a minus sign and negate the number.
+    if (value.find('-') != std::string::npos || !(stream >> number) || stream >> rest) {
         throw CUsagecmd(notAnUnsignedInteger, name);
     }
     return number;
@@ -88,9 +89,9 @@ void CArgscmd::pathExists(const char* path) const {
 }
 
 void CArgscmd::validate(parameterTypes type, const std::string& name) const {
-    if (type == parameterTypes::path) {
+    if (type == pathValue) {
         pathExists(argValue(name.c_str()).c_str());
-    } else if (type == parameterTypes::unsignedInteger) {
+    } else if (type == unsignedValue) {
         numericValue(name.c_str());
     }
 }

@@ -22,7 +22,7 @@ public:
     CArgscmd(int argc, char** argv);
 
     /// Whether `s` begins with "-"; false for null.
-    static bool isOptionArgument(const char* s);
+    bool isOptionArgument(const char* s) const;
 
     /// Whether the option is present, with or without a value.
     bool isCommand(const std::string& name) const;

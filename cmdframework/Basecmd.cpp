@@ -69,7 +69,7 @@ void CBasecmd::checkRow(const PARAMETERS& row) const {
         return;
     }
     const std::string& given = byName ? row.name : row.alias;
-    const bool takesValue = row.type != parameterTypes::none;
+    const bool takesValue = row.type != noValue;
     const bool hasValue = args.hasAValue(given.c_str());
     if (takesValue && !hasValue) {
         refuse(valueMissing, given);
@@ -112,7 +112,7 @@ void CBasecmd::valueInSet(const PARAMETERS& row, const std::string& option) cons
 }
 
 void CBasecmd::validateExpectedParamValue(const PARAMETERS& row, const std::string& option) const {
-    if (row.type == parameterTypes::string) {
+    if (row.type == stringValue) {
         valueInSet(row, option);
     }
 }

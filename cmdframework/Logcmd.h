@@ -52,11 +52,10 @@ public:
     /// Writes "Run time failure: " and the failure's text as a failure.
     void logit(const CRuntimecmd& failure) const;
 
-    static unsigned int useCount() { return use_count; }
-
-private:
+    /// The count of the class's comment.
     static unsigned int use_count;
 
+private:
     std::string programName;
     std::string subDirectory;
     std::string directory;

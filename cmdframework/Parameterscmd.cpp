@@ -17,10 +17,10 @@ constexpr CatalogueText unsignedIntegerWord = catalogued("SmeEmm0041N", "unsigne
 
 const CatalogueText& wordFor(parameterTypes type) {
     switch (type) {
-    case parameterTypes::string:
-    case parameterTypes::path:
+    case stringValue:
+    case pathValue:
         return stringWord;
-    case parameterTypes::unsignedInteger:
+    case unsignedValue:
         return unsignedIntegerWord;
     default:
         return noneWord;
@@ -62,7 +62,7 @@ CParameterscmd::const_iterator CParameterscmd::find(const std::string& option) c
 
 parameterTypes CParameterscmd::parameterType(const std::string& option) const {
     const auto row = find(option);
-    return row == end() ? parameterTypes::none : row->second.type;
+    return row == end() ? noValue : row->second.type;
 }
 
 const char* CParameterscmd::usageStringFor(parameterTypes type) const {
@@ -73,7 +73,7 @@ const char* CParameterscmd::usageStringFor(parameterTypes type) const {
 }
 
 std::string CParameterscmd::usageStringFor(const PARAMETERS& row) const {
-    if (row.allowedValues == nullptr || row.allowedCount == 0 || row.type == parameterTypes::none) {
+    if (row.allowedValues == nullptr || row.allowedCount == 0 || row.type == noValue) {
         return {};
     }
     std::string text;

@@ -5,11 +5,11 @@
 #include <string>
 
 /// The kind of value that an option takes.
-enum class parameterTypes : std::uint32_t {
-    none = 0,             ///< a flag: takes no value
-    string = 1,           ///< any text, or one of the allowed values
-    path = 2,             ///< an existing file system entry
-    unsignedInteger = 3,  ///< an unsigned 32-bit integer
+enum parameterTypes : std::uint32_t {
+    noValue = 0,        ///< a flag
+    stringValue = 1,    ///< any text, or one of the allowed values
+    pathValue = 2,      ///< an existing file system entry
+    unsignedValue = 3,  ///< an unsigned 32-bit integer
 };
 
 /// One value that an option may have: the text to type, and the identifier under which the
@@ -51,7 +51,7 @@ public:
     iterator find(const std::string& option);
     const_iterator find(const std::string& option) const;
 
-    /// The type of an option; `none` when it is unknown.
+    /// The type of an option; `noValue` if it is unknown.
     parameterTypes parameterType(const std::string& option) const;
 
     /// The catalogue's word for a type; valid until the next call.

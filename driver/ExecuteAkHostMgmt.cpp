@@ -6,25 +6,25 @@
 #include "cmdframework/Messages.h"
 #include "cmdframework/Runtimecmd.h"
 #include "cmdframework/Usagecmd.h"
-#include "driver/ArgumentCopy.h"
 #include "driver/Operations.h"
-#include "driver/Termination.h"
-#include "hostmgmt/JsonMemory.h"
-#include "hostmgmt/Messages.h"
 #include "hostmgmt/OptionNames.h"
 
+#include <ace/OS_NS_stdlib.h>
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <new>
 #include <string>
 
 using arkeon::Console;
+using arkeon::Status;
 
 namespace {
 
-constexpr const char* logDirectory = "/usr/zelvik/arkeon/logs";
 constexpr const char* loggingSubDirectory = "admin";
 
 constexpr CatalogueText helpSynopsis = catalogued("SmeHmm0011N", "%s {-h | -help}");
@@ -39,37 +39,56 @@ constexpr CatalogueText operationHelpHint =
 constexpr CatalogueText notSuccessful =
     catalogued("SmeEmm0023N", "Command did not complete successfully.");
 
+// Not translated: a catalogue takes memory.
+constexpr const char* outOfMemoryLine =
+    "Exit Status 20: There is not enough memory; check whether the change was made before trying "
+    "again.\n";
+
 // The locale of the run and the log of the process: both live until it ends.
 zvlocale locale;
 CLogcmd commandLog;
 
-// A text in the language that the run began with.
+// The arguments of the run, which parsing changes; the caller's stay as they are. They live until
+// the process ends.
+char** argumentCopy = nullptr;
+
+// @return null if memory ran out; nothing is then left allocated
+char** copyArguments(int argc, char** argv) {
+    const auto count = static_cast<std::size_t>(argc);
+    auto** copy = static_cast<char**>(ACE_OS::malloc((count + 1) * sizeof(char*)));
+    if (copy == nullptr) {
+        return nullptr;
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+        copy[i] = strdup(argv[i]);
+        if (copy[i] == nullptr) {
+            std::for_each(copy, copy + i, std::free);
+            ACE_OS::free(copy);
+            return nullptr;
+        }
+    }
+    copy[count] = nullptr;
+    return copy;
+}
+
+// A message in the language that the run began with.
 std::string text(const CatalogueText& message, const char* argument = nullptr) {
     std::array<char, operationTextSize> buffer{};
     zvgetmsg(message.id, locale, buffer.data(), buffer.size(), message.text, argument);
     return buffer.data();
 }
 
-void printHelp() {
-    Console& console = Console::standard();
-    console.write(text(messages::usageHeading) + "\n");
-    printSynopses();
-    console.write(text(helpSynopsis, commandName) + "\n\n");
-    console.write(text(description) + "\n");
-    console.write(text(operationHelpHint) + "\n");
-}
-
 bool isTopLevelHelp(int argc, const CArgscmd& args) {
-    return argc == 2 && isOn(args, operation::help);
+    return argc == 2 && isGiven(args, operation::help);
 }
 
-// The exit status of a usage failure, 0 where help was asked for. Whether it was is told from the
-// English text, on purpose: in a translated catalogue a help request is shown and counted like any
-// other usage failure.
-int reportUsageFailure(const CUsagecmd& failure, CBasecmd* operation) {
-    const bool helpWanted = std::strcmp(failure.what(), "Help requested.") == 0;
+// Recognizes a help request by the English text, on purpose: with a translated catalogue, a help
+// request is shown and counted like any other usage failure.
+// @return 0 if help was requested, else 144
+Status reportUsageFailure(const CUsagecmd& failure, CBasecmd* operation) {
+    const bool helpRequested = std::strcmp(failure.what(), "Help requested.") == 0;
     commandLog.logit(failure.what(), logLevel::ordinary);
-    if (!helpWanted) {
+    if (!helpRequested) {
         Console::standard().writeError(std::string(failure.what()) + "\n");
     }
     if (operation != nullptr) {
@@ -77,7 +96,7 @@ int reportUsageFailure(const CUsagecmd& failure, CBasecmd* operation) {
     } else {
         printHelp();
     }
-    return helpWanted ? arkeon::status::success : arkeon::status::wrongCommandLine;
+    return helpRequested ? arkeon::status::success : arkeon::status::wrongCommandLine;
 }
 
 int reportRunTimeFailure(const CRuntimecmd& failure) {
@@ -86,8 +105,8 @@ int reportRunTimeFailure(const CRuntimecmd& failure) {
     return failure.errcode();
 }
 
-// The status when everything has been printed: lost output is a failure of a run that had none.
-// Nothing is said where the reader went away on purpose.
+// Lost output is a failure of a run that had none. A reader that closed the pipe on purpose gets no
+// message.
 int statusAfterOutput(int status) {
     Console& console = Console::standard();
     if (console.flush()) {
@@ -100,31 +119,43 @@ int statusAfterOutput(int status) {
     return status == arkeon::status::success ? arkeon::status::outputFailed : status;
 }
 
-// What cannot be logged for want of memory does not change the result.
 void logResult(int status) {
-    try {
-        if (status != 0) {
-            commandLog.logit(text(notSuccessful), logLevel::ordinary);
-        }
-        commandLog.logit("Return value is: " + std::to_string(status) + "\n", logLevel::ordinary);
-    } catch (const std::bad_alloc&) {
-        return;
+    if (status != arkeon::status::success) {
+        commandLog.logit(text(notSuccessful), logLevel::ordinary);
     }
+    commandLog.logit("Return value is: " + std::to_string(status) + "\n", logLevel::ordinary);
 }
 
-// The run, once the process is ready for it.
-int run(const char* directory, int argc, char** argv) {
+}  // namespace
+
+void printHelp() {
+    Console& console = Console::standard();
+    console.write(text(messages::usageHeading) + "\n");
+    printSynopses();
+    console.write(text(helpSynopsis, commandName) + "\n\n");
+    console.write(text(description) + "\n");
+    console.write(text(operationHelpHint) + "\n");
+}
+
+int execute_akhostmgmt(int argc, char** argv) {
+    return execute_akhostmgmt_in(defaultLogDirectory, argc, argv);
+}
+
+int execute_akhostmgmt_in(const char* logDirectory, int argc, char** argv) {
+    Console::standard();  // takes the standard streams before anything else is opened
+    // A write beyond the file size limit (ulimit -f) is to fail like any other, not end the
+    // process.
+    std::signal(SIGXFSZ, SIG_IGN);
     int localeStatus = 0;
     zvgetlocaleEx(&locale, &localeStatus);
 
     int status = arkeon::status::success;
     std::unique_ptr<CBasecmd> operation;
     try {
-        // Null without memory: the run then goes on as if nothing had been typed, and says so.
-        char** copy = copyArguments(argc, argv, strdup);
-        commandLog.init(directory, commandName, loggingSubDirectory, nullptr);
-        openCatalogue(locale);
-        const CArgscmd args(argc, copy);
+        // Without memory for the copy the run continues as if no option had been typed.
+        argumentCopy = copyArguments(argc, argv);
+        commandLog.init(logDirectory, commandName, loggingSubDirectory, nullptr);
+        const CArgscmd args(argc, argumentCopy);
         if (isTopLevelHelp(argc, args)) {
             printHelp();
             return statusAfterOutput(status);
@@ -143,23 +174,16 @@ int run(const char* directory, int argc, char** argv) {
     return status;
 }
 
-}  // namespace
-
-int execute_akhostmgmt(int argc, char** argv) {
-    return execute_akhostmgmt_in(logDirectory, argc, argv);
-}
-
-int execute_akhostmgmt_in(const char* directory, int argc, char** argv) {
-    Console::standard();  // takes the standard streams before anything else is opened
-    endCleanlyWithoutMemory();
-    // The sanitizers are to see each value's end.
-#ifndef __SANITIZE_ADDRESS__
-    keepJsonUntilExit();
-#endif
-    return run(directory, argc, argv);
-}
-
 int shellStatus(int status) {
-    const bool looksLikeSuccess = status != 0 && (status & 0xff) == 0;
+    const bool looksLikeSuccess = status != arkeon::status::success && (status & 0xff) == 0;
     return looksLikeSuccess ? 255 : status;
+}
+
+int runProcess(const char* logDirectory, int argc, char** argv) {
+    try {
+        return shellStatus(execute_akhostmgmt_in(logDirectory, argc, argv));
+    } catch (const std::bad_alloc&) {
+        Console::standard().writeError(outOfMemoryLine);
+        return arkeon::status::generalFailure;
+    }
 }

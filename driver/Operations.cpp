@@ -1,13 +1,13 @@
 #include "driver/Operations.h"
 
 #include "cmdframework/Usagecmd.h"
-#include "hostmgmt/AkHostMgmtAdd.h"
-#include "hostmgmt/AkHostMgmtAddHost.h"
-#include "hostmgmt/AkHostMgmtComment.h"
-#include "hostmgmt/AkHostMgmtDelete.h"
-#include "hostmgmt/AkHostMgmtList.h"
-#include "hostmgmt/AkHostMgmtReissueCert.h"
-#include "hostmgmt/AkHostMgmtUpdateHost.h"
+#include "hostmgmt/operations/AkHostMgmtAdd.h"
+#include "hostmgmt/operations/AkHostMgmtAddHost.h"
+#include "hostmgmt/operations/AkHostMgmtComment.h"
+#include "hostmgmt/operations/AkHostMgmtDelete.h"
+#include "hostmgmt/operations/AkHostMgmtList.h"
+#include "hostmgmt/operations/AkHostMgmtReissueCert.h"
+#include "hostmgmt/operations/AkHostMgmtUpdateHost.h"
 
 namespace {
 
@@ -36,7 +36,7 @@ std::span<const Operation> allOperations() {
 
 std::unique_ptr<CBasecmd> chooseOperation(const CArgscmd& args, CLogcmd& log) {
     for (const Operation& row : allOperations()) {
-        if (isOn(args, row.option)) {
+        if (isGiven(args, row.option)) {
             return row.make(args, log);
         }
     }

@@ -1,5 +1,5 @@
 #include "driver/ExecuteAkHostMgmt.h"
 
 int main(int argc, char** argv) {
-    return shellStatus(execute_akhostmgmt(argc, argv));
+    return runProcess(defaultLogDirectory, argc, argv);
 }

@@ -4,7 +4,7 @@
 #include "fuzz/Input.h"
 #include "fuzz/Output.h"
 #include "fuzz/Property.h"
-#include "hostmgmt/AkHostMgmtAddHost.h"
+#include "hostmgmt/operations/AkHostMgmtAddHost.h"
 #include "support/CommandLine.h"
 #include "support/FakeClient.h"
 #include "support/StandardInput.h"

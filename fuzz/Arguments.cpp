@@ -6,13 +6,14 @@
 #include "driver/Operations.h"
 #include "fuzz/Input.h"
 #include "fuzz/Property.h"
-#include "hostmgmt/AkHostMgmtAdd.h"
-#include "hostmgmt/AkHostMgmtAddHost.h"
-#include "hostmgmt/AkHostMgmtComment.h"
-#include "hostmgmt/AkHostMgmtDelete.h"
-#include "hostmgmt/AkHostMgmtList.h"
-#include "hostmgmt/AkHostMgmtReissueCert.h"
-#include "hostmgmt/AkHostMgmtUpdateHost.h"
+#include "hostmgmt/ArgumentRules.h"
+#include "hostmgmt/operations/AkHostMgmtAdd.h"
+#include "hostmgmt/operations/AkHostMgmtAddHost.h"
+#include "hostmgmt/operations/AkHostMgmtComment.h"
+#include "hostmgmt/operations/AkHostMgmtDelete.h"
+#include "hostmgmt/operations/AkHostMgmtList.h"
+#include "hostmgmt/operations/AkHostMgmtReissueCert.h"
+#include "hostmgmt/operations/AkHostMgmtUpdateHost.h"
 #include "support/CommandLine.h"
 
 #include <algorithm>
@@ -28,14 +29,14 @@ struct Row {
     OptionName option;
     const std::type_info& type;
     OptionName needed;
-    std::size_t longestReason;
+    std::size_t reasonLimit;
 };
 
 constexpr std::size_t any = std::string::npos;
 
 const Row rows[] = {
-    {operation::add, typeid(AkHostMgmtAdd), option::mappingname, 512},
-    {operation::delete_cmd, typeid(AkHostMgmtDelete), option::mappingname, 512},
+    {operation::add, typeid(AkHostMgmtAdd), option::mappingname, maxReason},
+    {operation::delete_cmd, typeid(AkHostMgmtDelete), option::mappingname, maxReason},
     {operation::lst, typeid(AkHostMgmtList), operation::lst, any},
     {operation::addcomment, typeid(AkHostMgmtComment), option::comment, any},
     {operation::deletecomment, typeid(AkHostMgmtComment), operation::deletecomment, any},
@@ -43,10 +44,6 @@ const Row rows[] = {
     {operation::addhost, typeid(AkHostMgmtAddHost), option::host, any},
     {operation::updatehost, typeid(AkHostMgmtUpdateHost), option::newhostname, any},
 };
-
-std::string valueOf(const CArgscmd& args, OptionName option) {
-    return args.argValue(nameOrAlias(args, option));
-}
 
 void expectTheSameAgain(const CArgscmd& args) {
     std::vector<std::string> words;
@@ -63,8 +60,9 @@ void expectTheSameAgain(const CArgscmd& args) {
 }
 
 void expectRightOperation(const CArgscmd& args, const CBasecmd* chosen) {
-    const Row* row = std::find_if(
-        std::begin(rows), std::end(rows), [&](const Row& each) { return isOn(args, each.option); });
+    const Row* row = std::find_if(std::begin(rows), std::end(rows), [&](const Row& each) {
+        return isGiven(args, each.option);
+    });
     if (chosen == nullptr) {
         expect(row == std::end(rows), "an operation that is on the line is found");
     } else {
@@ -72,46 +70,48 @@ void expectRightOperation(const CArgscmd& args, const CBasecmd* chosen) {
     }
 }
 
-void expectTexts(const CArgscmd& args, std::size_t longestReason) {
+void expectTexts(const CArgscmd& args, std::size_t reasonLimit) {
     for (const OptionName name :
          {option::host, option::hostid, option::mappingname, option::newhostname}) {
         expect(
             valueOf(args, name).find_first_of("/\\") == std::string::npos, "names have no slashes");
     }
     for (const OptionName name : {option::host, option::mappingname, option::newhostname}) {
-        expect(valueOf(args, name).size() <= 1024, "names have 1,024 bytes at most");
+        expect(valueOf(args, name).size() <= maxHostName, "names keep their limit");
     }
-    expect(valueOf(args, option::comment).size() <= 2048, "a comment has 2,048 bytes at most");
-    expect(valueOf(args, option::reason).size() <= longestReason, "a reason keeps its limit");
+    expect(valueOf(args, option::comment).size() <= maxComment, "a comment keeps its limit");
+    expect(valueOf(args, option::reason).size() <= reasonLimit, "a reason keeps its limit");
     expect(
         arkeon::isUtf8(valueOf(args, option::comment)) &&
             arkeon::isUtf8(valueOf(args, option::newhostname)),
         "what goes into a body is UTF-8");
 }
 
-/// 0 or 1, as strtoull reads it; a minus, before which there is a blank, wraps.
+/// 0 or 1, as strtoull reads it, without a minus sign.
 void expectSwitch(const std::string& value) {
     char* end = nullptr;
     const unsigned long long number = std::strtoull(value.c_str(), &end, 10);
     const bool ends = std::string_view(end).find_first_not_of(" \t\n\v\f\r") == any;
-    expect(ends && static_cast<std::uint32_t>(number) <= 1, "autoreissue is 0 or 1");
+    const bool negative = value.find('-') != std::string::npos;
+    expect(ends && !negative && number <= 1, "autoreissue is 0 or 1");
 }
 
 /// What an operation may count on after the check.
 void expectAccepted(const CArgscmd& args) {
-    const Row& row = *std::find_if(
-        std::begin(rows), std::end(rows), [&](const Row& each) { return isOn(args, each.option); });
-    const bool byId = isOn(args, option::hostid);
-    const bool byName = isOn(args, option::host);
-    expect(!isOn(args, option::help), "a request for help is not an operation");
-    expect(isOn(args, row.needed), "what the operation needs is there");
+    const Row& row = *std::find_if(std::begin(rows), std::end(rows), [&](const Row& each) {
+        return isGiven(args, each.option);
+    });
+    const bool byId = isGiven(args, option::hostid);
+    const bool byName = isGiven(args, option::host);
+    expect(!isGiven(args, option::help), "a request for help is not an operation");
+    expect(isGiven(args, row.needed), "what the operation needs is there");
     expect(!(byId && byName), "a host is named once");
     expect(byId || byName || row.type == typeid(AkHostMgmtList), "a host is named");
-    expectTexts(args, row.longestReason);
+    expectTexts(args, row.reasonLimit);
     if (row.type == typeid(AkHostMgmtAddHost)) {
         expect(arkeon::isUtf8(valueOf(args, option::host)), "a new host's name is UTF-8");
     }
-    if (isOn(args, option::autoreissue)) {
+    if (isGiven(args, option::autoreissue)) {
         expectSwitch(valueOf(args, option::autoreissue));
     }
 }

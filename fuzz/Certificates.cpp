@@ -13,11 +13,11 @@ using fuzz::expect;
 
 namespace {
 
-void expectRow(const arkeon::CertificateRow& row) {
-    for (const std::string& text : {row.hostId, row.certificate, row.privateKey, row.authorities}) {
+void expectRow(const arkeon::CertificateEntry& row) {
+    for (const std::string& text : {row.hostId, row.certificate, row.privateKey, row.caBundle}) {
         expect(!text.empty() && text.find('\0') == std::string::npos, "every text is a C string");
     }
-    for (const std::string& path : {row.certificate, row.privateKey, row.authorities}) {
+    for (const std::string& path : {row.certificate, row.privateKey, row.caBundle}) {
         expect(path.starts_with('/'), "every path is absolute");
     }
 }
@@ -36,10 +36,10 @@ void expectHostId(int type, int result, const std::string& hostId) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     fuzz::root().write("etc/certificates.toml", fuzz::Input(data, size).rest());
     for (const int type : {1, 2}) {
-        arkeon::CertificateRow row;
-        const int result = arkeon::findCertificateRow(type, "p", row);
+        arkeon::CertificateEntry row;
+        const int result = arkeon::findCertificateEntry(type, "p", row);
         expect(
-            result == 0 || result == arkeon::status::noCertificateRow ||
+            result == 0 || result == arkeon::status::noCertificateEntry ||
                 result == arkeon::status::malformedCertificateInfo,
             "the row is found, missing or malformed");
         if (result == 0) {

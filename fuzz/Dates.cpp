@@ -3,7 +3,7 @@
 
 #include "fuzz/ListingModel.h"
 #include "fuzz/Property.h"
-#include "hostmgmt/LocalDate.h"
+#include "hostmgmt/listing/LocalDate.h"
 
 #include <cstdint>
 #include <cstdlib>

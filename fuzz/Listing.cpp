@@ -7,7 +7,7 @@
 #include "fuzz/Output.h"
 #include "fuzz/Property.h"
 #include "fuzz/Root.h"
-#include "hostmgmt/AkHostMgmtList.h"
+#include "hostmgmt/operations/AkHostMgmtList.h"
 #include "support/CommandLine.h"
 #include "support/FakeClient.h"
 #include "support/StatusLines.h"

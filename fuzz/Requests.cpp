@@ -4,10 +4,10 @@
 #include "arkeon/AKClientCURL.h"
 #include "arkeon/status.h"
 #include "arkeon/text.h"
+#include "client/RequestText.h"
+#include "client/ServerName.h"
 #include "fuzz/Input.h"
 #include "fuzz/Property.h"
-#include "https/RequestText.h"
-#include "https/ServerAddress.h"
 #include "support/TestOperation.h"
 
 #include <algorithm>
@@ -16,6 +16,7 @@
 #include <cstring>
 #include <curl/curl.h>
 #include <memory>
+#include <regex>
 
 using fuzz::expect;
 
@@ -51,15 +52,24 @@ void expectEncoded(const std::string& text) {
     expect(decoded == text, "a name that is encoded is the name when it is decoded");
 }
 
+/// Whether a server that normalizes paths would resolve `uri` to another resource.
+bool hasDotSegment(const std::string& uri) {
+    static const std::regex dot("%2e", std::regex::icase);
+    std::string path = "/" + std::regex_replace(uri.substr(0, uri.find('?')), dot, ".") + "/";
+    std::replace(path.begin(), path.end(), '#', '/');
+    return path.find("/./") != any || path.find("/../") != any;
+}
+
 /// No text but the host ID, which is used as it is, can become another part of the target.
 void expectTarget(const std::string& hostId, const std::string& name) {
     const std::string encoded = arkeon::percentEncoded(name);
     const std::string uri = resourceUri(OP_ADD_MAPPING, hostId, encoded);
-    expect(
-        uri == "arkeon/config/hosts/" + hostId + "/hostmappings/" + encoded, "a mapping's address");
-    const bool sent = arkeon::isRequestAddress(uri);
+    expect(uri == "arkeon/config/hosts/" + hostId + "/hostmappings/" + encoded, "a mapping's URI");
+    const bool sent = arkeon::isRequestTarget(uri);
     const bool clean = !hasByteBelow(hostId, '!') && hostId.find('\x7f') == std::string::npos;
-    expect(sent == clean, "a target has no blank and no control character");
+    expect(
+        sent == (clean && !hasDotSegment(uri)),
+        "a target has no space, no control character and no dot segment");
 }
 
 void expectHeader(const std::string& line) {
@@ -130,10 +140,10 @@ void expectRefusal(
     AKClientCURL client(server, 1556, 1, AKCurlSessionType::rest, nullptr);
     client.setupAcceptCurlOption("X-Arkeon-Audit-Reason: " + arkeon::percentEncoded(reason));
     client.setupAcceptCurlOption(line);
-    const bool mayGo = arkeon::isRequestAddress(uri) && arkeon::curlHeader(line);
+    const bool mayGo = arkeon::isRequestTarget(uri) && arkeon::curlHeader(line);
     const int wanted = !arkeon::isServerName(server) ? arkeon::status::invalidServerName
-                       : !mayGo                      ? arkeon::status::invalidRequestAddress
-                                                     : arkeon::status::noCertificateRow;
+                       : !mayGo                      ? arkeon::status::invalidRequestTarget
+                                                     : arkeon::status::noCertificateEntry;
     expect(client.Get(uri) == wanted, "the client refuses what it must not send");
 }
 

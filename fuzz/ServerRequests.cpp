@@ -1,6 +1,7 @@
 // A request to the development server: target, Accept, Content-Type and Accept-Encoding, each up to
 // a NUL, and the body.
 
+#include "client/RequestText.h"
 #include "devserver/Address.h"
 #include "devserver/HostRecord.h"
 #include "devserver/MediaType.h"
@@ -9,7 +10,7 @@
 #include "devserver/Text.h"
 #include "fuzz/Input.h"
 #include "fuzz/Property.h"
-#include "https/RequestText.h"
+#include "hostmgmt/ArgumentRules.h"
 
 #include <jansson.h>
 #include <memory>
@@ -22,7 +23,7 @@ namespace {
 using Json = std::unique_ptr<json_t, decltype(&json_decref)>;
 
 bool isName(const std::string& name) {
-    return !name.empty() && name.size() <= 1024 && devserver::text::isPlain(name);
+    return !name.empty() && name.size() <= maxHostName && devserver::text::isPlain(name);
 }
 
 /// What a body gives; nothing where it is refused.
@@ -42,7 +43,7 @@ void expectBody(const std::string& body) {
     const auto comment = read(bodies::comment, body);
     const auto name = read(bodies::hostName, body);
     const auto patch = read(bodies::hostPatch, body);
-    expect(!comment || comment->size() <= 2048, "a comment keeps its limit");
+    expect(!comment || comment->size() <= maxComment, "a comment keeps its limit");
     expect(!name || isName(*name), "a name is one");
     expect(!patch || !patch->hostName || isName(*patch->hostName), "also in a patch");
     expect(!patch || patch->hostName || patch->autoReissue, "a patch changes something");

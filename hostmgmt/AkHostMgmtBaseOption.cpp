@@ -1,79 +1,125 @@
 #include "hostmgmt/AkHostMgmtBaseOption.h"
 
-#include "arkeon/status.h"
+#include "hostmgmt/server/HostLookup.h"
+#include "hostmgmt/server/ServerErrors.h"
 
-#include <memory>
 #include <utility>
+
+namespace status = arkeon::status;
+
+namespace {
+
+// Hands over a reply, if there is one.
+int takeReply(ServerReply reply, std::string& response, int& httpCode) {
+    if (reply.httpStatus != 0) {
+        response = std::move(reply.body);
+        httpCode = reply.httpStatus;
+    }
+    return reply.status;
+}
+
+int takeHostId(HostIdResult result, std::string& hostId) {
+    if (result.status == status::success) {
+        hostId = std::move(result.hostId);
+    }
+    return result.status;
+}
+
+}  // namespace
 
 AkHostMgmtBaseOption::AkHostMgmtBaseOption(
     const char* newName, CArgscmd newArgs, const PARAMETERS* table, unsigned long count,
     CLogcmd& commandLog)
     : CBasecmd(newName, std::move(newArgs), table, count), operationLog(commandLog),
-      payload(json_object()) {
-    checkJson(payload != nullptr);
-}
+      payload(operationLog) {}
 
 AkHostMgmtBaseOption::~AkHostMgmtBaseOption() = default;
 
 int AkHostMgmtBaseOption::setJSONObject(const char* key, const char* value) {
-    return setJSONObject(key, json_string(value));
+    payload.set(key, value);
+    return status::success;
 }
 
 int AkHostMgmtBaseOption::setJSONObject(const char* key, json_t* value) {
-    checkJson(json_object_set_new(payload.get(), key, value) == 0);
-    return arkeon::status::success;
+    payload.set(key, value);
+    return status::success;
 }
 
 std::string AkHostMgmtBaseOption::getJSONpayload() const {
-    json_free_t release = nullptr;
-    json_get_alloc_funcs(nullptr, &release);
-    const std::unique_ptr<char, json_free_t> text(json_dumps(payload.get(), JSON_COMPACT), release);
-    checkJson(text != nullptr || payload == nullptr);
-    return text ? text.get() : "";
-}
-
-JsonRef AkHostMgmtBaseOption::parseJSON(std::string_view text) const {
-    JsonRef value(json_loadb(text.data(), text.size(), 0, nullptr));
-    if (!value) {
-        operationLog.logit({"load_json() failed:", text, "\n"}, logLevel::failure);
-    }
-    return value;
+    return payload.compactText();
 }
 
 int AkHostMgmtBaseOption::loadJSON(const char* text) {
-    return loadReply(text);
-}
-
-int AkHostMgmtBaseOption::loadReply(std::string_view text) {
-    payload.reset();  // first, so that two large replies never stand side by side
-    payload = parseJSON(text);
-    return payload ? arkeon::status::success : arkeon::status::unreadableReply;
+    return payload.load(text);
 }
 
 int AkHostMgmtBaseOption::getIntValue(const char* key, long& value) const {
-    const json_t* member = json_object_get(payload.get(), key);
-    if (!json_is_integer(member)) {
-        operationLog.logit("No error code in response.", logLevel::failure);
-        return arkeon::status::unreadableReply;
-    }
-    value = static_cast<long>(json_integer_value(member));
-    return arkeon::status::success;
+    return payload.readInteger(key, value);
 }
 
 int AkHostMgmtBaseOption::getStringValue(const char* key, std::string& value) const {
-    const char* text = json_string_value(json_object_get(payload.get(), key));
-    if (text == nullptr) {
-        // The same words as for a number, whatever the key.
-        operationLog.logit("No error code in response.", logLevel::failure);
-        return arkeon::status::unreadableReply;
-    }
-    value = text;
-    return arkeon::status::success;
+    return payload.readString(key, value);
 }
 
 std::string AkHostMgmtBaseOption::getURI(
     OperationType operation, const std::string& hostId, const std::string& encodedName) const {
-    std::string uri = resourceUri(operation, hostId, encodedName);
-    operationLog.logit({"serverUri is: ", uri}, logLevel::ordinary);
-    return uri;
+    return server().uri(operation, hostId, encodedName);
+}
+
+int AkHostMgmtBaseOption::sendRequest(
+    OperationType operation, CurlRequestType method, const std::string& body,
+    const char* targetName, const char* hostId, std::string& response, int& httpCode,
+    LoginType login) {
+    return takeReply(
+        server().request({operation, method, body, targetName, hostId, login}), response, httpCode);
+}
+
+int AkHostMgmtBaseOption::curlSendRequest(
+    OperationType operation, const char* hostId, const char* targetName, CurlRequestType method,
+    const std::string& body, std::string& response, int& httpCode, LoginType login) {
+    return takeReply(
+        server().exchange({operation, method, body, targetName, hostId, login}), response,
+        httpCode);
+}
+
+int AkHostMgmtBaseOption::logErrorMessage(const std::string& reply, long& errorCode) {
+    const std::optional<int> code = readErrorReply(reply, payload, operationLog);
+    errorCode = code.value_or(status::unreadableReply);
+    return code ? status::success : status::unreadableReply;
+}
+
+void AkHostMgmtBaseOption::submitErrorStringForWebApi(int code) const {
+    reportStatus(code, operationLog);
+}
+
+std::string AkHostMgmtBaseOption::getMasterServer() const {
+    return server().name();
+}
+
+int AkHostMgmtBaseOption::getHostIDfromCertmapinfo(std::string& hostId) const {
+    return takeHostId(findOwnHostId(server(), operationLog), hostId);
+}
+
+int AkHostMgmtBaseOption::getUuid(std::string& hostId) {
+    return takeHostId(findHostId(args, server(), operationLog), hostId);
+}
+
+int AkHostMgmtBaseOption::changeHost(
+    const Change& change, const std::function<void()>& fill,
+    const std::function<void(int)>& report) {
+    if (const int failure = getUuid(resolvedHostId); failure != status::success) {
+        return failure;
+    }
+    fill();
+    return sendChange(change, report);
+}
+
+int AkHostMgmtBaseOption::sendChange(const Change& change, const std::function<void(int)>& report) {
+    const ServerReply reply = server().request(
+        {change.operation, change.method, getJSONpayload(), change.mappingName, resolvedHostId,
+         USER_LOGIN});
+    if (reply.status == status::success) {
+        report(reply.httpStatus);
+    }
+    return reply.status;
 }

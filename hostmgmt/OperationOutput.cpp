@@ -1,22 +1,23 @@
-// What the operations print of themselves.
+#include "hostmgmt/OperationOutput.h"
 
 #include "arkeon/console.h"
-#include "hostmgmt/AkHostMgmtBaseOption.h"
+#include "cmdframework/Logcmd.h"
+#include "hostmgmt/OptionNames.h"
 
 using arkeon::Console;
 
-void AkHostMgmtBaseOption::announce(const std::string& text) const {
-    operationLog.logit(text, logLevel::ordinary);
-    Console::standard().write(text + "\n");
+void reportSuccess(const std::string& message, const CLogcmd& log) {
+    log.logit(message, logLevel::ordinary);
+    Console::standard().write(message + "\n");
 }
 
-void AkHostMgmtBaseOption::showSynopsis(const CatalogueText& synopsis) {
+void printSynopsis(const CatalogueText& synopsis) {
     Console::standard().write(messageText(synopsis, commandName) + "\n");
 }
 
-void AkHostMgmtBaseOption::showUsage(
+void printUsageText(
     const CatalogueText& synopsis, const CatalogueText& description, const char* examples) {
     Console::standard().write(messageText(messages::usageHeading) + "\n");
-    showSynopsis(synopsis);
+    printSynopsis(synopsis);
     Console::standard().write("\n" + messageText(description) + examples);
 }

@@ -5,6 +5,9 @@
 
 /// The options of the command line, without their leading "-".
 
+/// The tool's name in its own messages.
+inline constexpr const char* commandName = "akhostmgmt";
+
 /// The options that choose the operation.
 namespace topLevelAkHostMgmtOptions {
 
@@ -77,7 +80,7 @@ struct OptionName {
     const char* alias;
 };
 
-/// The operations as the driver's table and their own classes speak of them.
+/// The operations, for the driver's table and for their own classes.
 namespace operation {
 
 namespace names = topLevelAkHostMgmtOptions;
@@ -95,7 +98,7 @@ inline constexpr OptionName updatehost{names::updatehost, names::updatehost_alia
 
 }  // namespace operation
 
-/// The other options as the operations' rules speak of them.
+/// The other options, for the operations' rules.
 namespace option {
 
 namespace names = individualAkHostMgmtCommandOptions;
@@ -120,18 +123,29 @@ inline constexpr OptionName apvmappings{names::apvmappings, names::apvmappings_a
 
 }  // namespace option
 
-/// The row of an option table for an option that the table does not require: what an operation
-/// needs is a rule of its own.
+/// The row of an option table. No table marks an option as required: that is a rule of the
+/// operation.
 inline PARAMETERS optionRow(std::uint32_t id, OptionName option, parameterTypes type) {
     return {id, option.name, option.alias, 0, type};
 }
 
 /// Whether an option is on the command line, by either name.
-inline bool isOn(const CArgscmd& args, OptionName option) {
+inline bool isGiven(const CArgscmd& args, OptionName option) {
     return args.exists(option.name) || args.exists(option.alias);
 }
 
-/// The option's name when that is on the command line, else its alias.
+/// The option's name if that is on the command line, else its alias.
 inline const char* nameOrAlias(const CArgscmd& args, OptionName option) {
     return args.exists(option.name) ? option.name : option.alias;
+}
+
+/// The value under the option's name if that is on the command line, else the one under its alias.
+inline std::string valueOf(const CArgscmd& args, OptionName option) {
+    return args.argValue(nameOrAlias(args, option));
+}
+
+/// The same as an unsigned 32-bit integer.
+/// @throws CUsagecmd code 8 (no value) or 7 (not such a number)
+inline unsigned int numberOf(const CArgscmd& args, OptionName option) {
+    return args.numericValue(nameOrAlias(args, option));
 }

@@ -6,13 +6,13 @@ set(CPACK_GENERATOR DEB RPM)
 set(CPACK_COMPONENTS_ALL tool devserver)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS ${CMAKE_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS})
-# Some places are absolute, so the whole tree is installed below a folder of CPack's.
+# Some paths are absolute, so everything is installed below a directory of CPack's (DESTDIR).
 set(CPACK_SET_DESTDIR ON)
 set(CPACK_PACKAGE_RELOCATABLE OFF)
 set(CPACK_INSTALL_PREFIX /usr)
 set(CPACK_PROJECT_CONFIG_FILE ${CMAKE_CURRENT_SOURCE_DIR}/configure.cmake)
 set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_SOURCE_DIR}/finish.cmake)
-# For these two scripts.
+# Used by these two scripts.
 set(CPACK_AKHOSTMGMT_SOURCES ${CMAKE_SOURCE_DIR})
 set(CPACK_AKHOSTMGMT_BUILD ${CMAKE_BINARY_DIR})
 set(CPACK_AKHOSTMGMT_STRIP ${CMAKE_STRIP})
@@ -29,17 +29,6 @@ set(devserver_description
 database of samples, and misbehaves as it is told. It is for trying out and
 testing only, and no substitute for a primary server.")
 
-# The tool's own build of libcurl is linked with OpenSSL, so that the dependency is found. Without
-# it the tool loads all of them by itself.
-if(TARGET arkeon_curl)
-  set(CPACK_DEBIAN_TOOL_PACKAGE_RECOMMENDS "logrotate, libcurl4")
-else()
-  set(CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS "libcurl4, libssl3, ")
-  set(CPACK_DEBIAN_TOOL_PACKAGE_RECOMMENDS logrotate)
-  set(CPACK_RPM_TOOL_PACKAGE_REQUIRES
-    "libcurl.so.4()(64bit), libssl.so.3()(64bit), libcrypto.so.3()(64bit)")
-endif()
-
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -48,6 +37,7 @@ set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_TOOL_PACKAGE_NAME akhostmgmt)
 set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION admin)
 set(CPACK_DEBIAN_TOOL_DESCRIPTION "${tool_summary}\n${tool_description}")
+set(CPACK_DEBIAN_TOOL_PACKAGE_RECOMMENDS logrotate)
 set(CPACK_DEBIAN_TOOL_PACKAGE_SUGGESTS akdevserver)
 set(CPACK_DEBIAN_TOOL_PACKAGE_CONTROL_EXTRA
   ${CMAKE_CURRENT_SOURCE_DIR}/debian/conffiles ${CMAKE_CURRENT_SOURCE_DIR}/debian/postrm)
@@ -74,14 +64,14 @@ set(CPACK_RPM_DEVSERVER_PACKAGE_NAME akdevserver)
 set(CPACK_RPM_DEVSERVER_PACKAGE_SUMMARY "${devserver_summary}")
 set(CPACK_RPM_DEVSERVER_PACKAGE_DESCRIPTION "${devserver_description}")
 set(CPACK_RPM_DEVSERVER_PACKAGE_GROUP "Development/Tools")
-# The machine and the time of the build are not in a package, nor links named by build IDs.
+# Packages do not contain the host and the time of the build, or links named by build IDs.
 set(CPACK_RPM_SPEC_MORE_DEFINE
 "%define _buildhost localhost
 %define use_source_date_epoch_as_buildtime 1
 %define clamp_mtime_to_source_date_epoch 1
 %define _build_id_links none
 %define packager ${CPACK_PACKAGE_CONTACT}")
-# Folders that other packages own.
+# Directories that other packages own.
 set(CPACK_RPM_EXCLUDE_FROM_AUTO_FILELIST_ADDITION
   /etc /etc/logrotate.d /usr/bin /usr/lib /usr/share /usr/share/doc
   /usr/share/man /usr/share/man/man1 /usr/share/man/man5

@@ -1,8 +1,8 @@
 # Read by CPack before it makes the packages of one kind: their date, their changelogs, and the
 # dependencies of the Debian packages.
 
-# SOURCE_DATE_EPOCH is the caller's, else the time of the last commit, else that of the project
-# file.
+# SOURCE_DATE_EPOCH defaults to the time of the last commit, or without git to that of the top
+# CMakeLists.txt.
 if(NOT DEFINED ENV{SOURCE_DATE_EPOCH})
   execute_process(
     COMMAND git -c safe.directory=* -C ${CPACK_AKHOSTMGMT_SOURCES} log -1 --format=%ct
@@ -31,8 +31,8 @@ file(WRITE ${CPACK_RPM_CHANGELOG_FILE}
 - Version ${CPACK_PACKAGE_VERSION}.
 ")
 
-# The packages that these built files take their shared libraries from. CPack would find them as
-# well, but would have ldconfig run for a library that is none of the loader's.
+# The packages that provide the shared libraries of these built files. CPack's SHLIBDEPS would find
+# them too, but would also make dpkg run ldconfig, which a private module does not need.
 function(find_dependencies result)
   file(WRITE ${control}/control
     "Source: akhostmgmt\n\nPackage: akhostmgmt\nArchitecture: any\n")
@@ -42,18 +42,15 @@ function(find_dependencies result)
     OUTPUT_VARIABLE found OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_VARIABLE ignored
     COMMAND_ERROR_IS_FATAL ANY)
   string(REPLACE "shlibs:Depends=" "" found "${found}")
-  set(${result} "${${result}}${found}" PARENT_SCOPE)
+  set(${result} "${found}" PARENT_SCOPE)
 endfunction()
 
 if(CPACK_GENERATOR STREQUAL "DEB")
-  # It would come before the first line of each package's own description.
+  # CPack would put it before each package's own description.
   set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
-  set(library ${CPACK_AKHOSTMGMT_BUILD}/lib/akhostmgmt/libarkeon-curl.so)
-  if(NOT EXISTS ${library})
-    set(library "")
-  endif()
   find_dependencies(CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS
-    ${CPACK_AKHOSTMGMT_BUILD}/bin/akhostmgmt ${library})
+    ${CPACK_AKHOSTMGMT_BUILD}/bin/akhostmgmt
+    ${CPACK_AKHOSTMGMT_BUILD}/lib/akhostmgmt/libarkeon-https.so)
   find_dependencies(CPACK_DEBIAN_DEVSERVER_PACKAGE_DEPENDS
     ${CPACK_AKHOSTMGMT_BUILD}/bin/akdevserver)
 endif()

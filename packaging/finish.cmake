@@ -1,6 +1,6 @@
-# Run by CPack between the installation below a folder of its own, one for each component, and the
-# packing: strips the programs, compresses manual pages, adds what Debian packages alone have, gives
-# every file the date of the package, and folders their modes.
+# Run by CPack after it has installed each component below a directory of its own: strips the binaries,
+# compresses the manual pages, adds the files that only Debian packages have, and sets the times of all
+# files and the modes of directories.
 
 function(run)
   execute_process(COMMAND ${ARGN} COMMAND_ERROR_IS_FATAL ANY)
@@ -28,6 +28,6 @@ if(CPACK_GENERATOR STREQUAL "DEB")
   add_debian_files(tool akhostmgmt)
   add_debian_files(devserver akdevserver)
 endif()
-# Folders made on the way have what the caller's umask left them; these have modes of their own.
+# The caller's umask affects parent directories. Those of the logs have modes of their own.
 run(find ${tree} -type d -not -path */zelvik/arkeon/logs* -exec chmod 755 {} +)
 run(find ${tree} -exec touch -h -d @$ENV{SOURCE_DATE_EPOCH} {} +)

@@ -9,8 +9,8 @@ import pathlib
 import re
 import unicodedata
 
-LABELS = "hostmgmt/ListText.cpp"
-LISTING = pathlib.Path("hostmgmt/AkHostMgmtListOutput.cpp")
+LABELS = "hostmgmt/listing/ListLabels.cpp"
+LISTING = pathlib.Path("hostmgmt/listing/ListPrinter.cpp")
 HOST_ID, MAPPED_NAMES, TRUST_VERSION = "SmeHmm0039N", "SmeHmm0029N", "SmeHmm0168N"
 YES, NO = "SmeHmm0037N", "SmeHmm0038N"
 # The heads of the mapping table, and whether Yes and No stand below them.

@@ -1,9 +1,9 @@
-# Shared by the scripts: packages and builds. To be sourced from bash in the project's top folder.
+# Shared by the scripts: packages and builds. Source it from bash in the top directory of the project.
 
-# What building, the demo and the tests stand on.
+# Needed to build, for the demo and for the tests.
 packages=(
   g++ cmake ninja-build pkg-config
-  libcurl4-openssl-dev libssl-dev zlib1g-dev libbrotli-dev libzstd-dev
+  libcurl4-openssl-dev libssl-dev zlib1g-dev
   libjansson-dev libace-dev libtomlplusplus-dev
   libsqlite3-dev libcpp-httplib-dev
   libgtest-dev libgmock-dev gettext python3 tzdata jq strace
@@ -11,20 +11,20 @@ packages=(
   mandoc groff-base
 )
 
-# What the checks of the continuous integration stand on besides.
+# Also needed for the checks of continuous integration.
 check_packages=(clang-format clang-tidy gcovr valgrind)
 
-# What the mutation of the sources stands on besides.
+# Also needed for mutation testing.
 mutation_packages=(python3-clang-14)
 
-# What the benchmark stands on besides.
+# Also needed for the benchmark.
 bench_packages=(nginx-core curl git iproute2)
 
-# What fuzzing stands on besides: clang with its libFuzzer and sanitizers.
+# Also needed for fuzzing: clang with libFuzzer and the sanitizers.
 fuzz_packages=(clang libclang-rt-14-dev)
 
-# What making and testing packages stands on besides: rpm makes and installs one kind, the linters
-# know each kind's rules, the others do what an administrator does with an installed tool.
+# Also needed to make and test packages: rpm, a linter for each kind of package, and the programs with
+# which an administrator looks after the installed tool.
 package_packages=(git dpkg-dev file rpm lintian rpmlint logrotate acl iproute2)
 
 say() { printf '\n== %s\n' "$*"; }
@@ -38,7 +38,7 @@ missing_packages() {
   done
 }
 
-# Installs what is missing of the packages named; needs root or sudo only then.
+# Installs those of the named packages that are missing; needs root or sudo only if there are any.
 install_packages() {
   local missing apt
   mapfile -t missing < <(missing_packages "$@")
@@ -57,8 +57,8 @@ install_packages() {
   "${apt[@]}" -q install -y --no-install-recommends "${missing[@]}"
 }
 
-# install_packages for nginx among others, without a web server that starts now or with the machine.
-# Where a policy on services is in force, that is left to it.
+# install_packages for a list with nginx. Keeps the web server from starting, now and at boot, unless
+# the system already has a policy for services.
 install_packages_and_nginx() {
   local policy=/usr/sbin/policy-rc.d as=()
   [ "$(id -u)" -eq 0 ] || as=(sudo)
@@ -69,7 +69,7 @@ install_packages_and_nginx() {
   fi
   (
     trap '"${as[@]}" rm -f "$policy"' EXIT
-    # 101 is the answer that forbids a start.
+    # Exit status 101 forbids the start.
     printf '#!/bin/sh\nexit 101\n' | "${as[@]}" tee "$policy" >/dev/null
     "${as[@]}" chmod 755 "$policy"
     install_packages "$@"

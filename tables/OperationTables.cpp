@@ -8,13 +8,13 @@ namespace {
 
 const char* nameOf(parameterTypes type) {
     switch (type) {
-    case parameterTypes::none:
+    case noValue:
         return "none";
-    case parameterTypes::string:
+    case stringValue:
         return "string";
-    case parameterTypes::path:
+    case pathValue:
         return "path";
-    case parameterTypes::unsignedInteger:
+    case unsignedValue:
         return "unsigned";
     }
     return "";

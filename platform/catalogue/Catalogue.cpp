@@ -1,7 +1,6 @@
 #include "arkeon/catalogue.h"
 
 #include "arkeon/text.h"
-#include "catalogue/CatalogueFile.h"
 #include "catalogue/Placeholders.h"
 #include "catalogue/Translate.h"
 #include "config/Paths.h"
@@ -10,7 +9,6 @@
 #include <cstring>
 #include <libintl.h>
 #include <string>
-#include <string_view>
 
 namespace arkeon {
 namespace {
@@ -30,7 +28,7 @@ void bindCatalogue() {
     bind_textdomain_codeset(domain, "UTF-8");
 }
 
-/// gettext looks up in the process's locale: makes that one the caller's.
+/// gettext uses the process's locale: makes that one the caller's.
 void useLanguage(const zvlocale& locale) {
     const char* current = std::setlocale(LC_MESSAGES, nullptr);
     if (current == nullptr || std::strcmp(current, locale.messages) != 0) {
@@ -38,22 +36,11 @@ void useLanguage(const zvlocale& locale) {
     }
 }
 
-/// Whether gettext may look into the catalogues; in the C locale it does not, whatever they hold.
-bool mayLookUp(const zvlocale& locale) {
-    const std::string_view language = locale.messages;
-    const char* directory = bindtextdomain(domain, nullptr);
-    return language != "C" && language != "POSIX" && directory != nullptr &&
-           cataloguesAreSound(directory, domain);
-}
-
 }  // namespace
 
 const char* translate(const zvlocale& locale, const char* context, const char* key) {
     // The form in which msgfmt stores a text that has a context.
     constexpr char contextEnd = '\004';
-    if (!mayLookUp(locale)) {
-        return nullptr;
-    }
     useLanguage(locale);
     const std::string contextAndKey = std::string(context) + contextEnd + key;
     const char* text = dgettext(domain, contextAndKey.c_str());
@@ -68,13 +55,6 @@ int zvgetlocaleEx(zvlocale* locale, int* status) {
     arkeon::bindCatalogue();
     *status = 0;
     return *status;
-}
-
-void openCatalogue(const zvlocale& locale) {
-    if (arkeon::mayLookUp(locale)) {
-        arkeon::useLanguage(locale);
-        dgettext(arkeon::domain, "");  // the catalogue's own head
-    }
 }
 
 int zvgetmsg(

@@ -27,7 +27,8 @@ constexpr int codeOf(std::string_view context) {
 
 /// One row. xgettext extracts it with `--keyword=statusText:2c,3`; a context that is not the code's
 /// does not compile.
-consteval StatusText statusText(int code, const char* context, const char* sentence, Retry retry) {
+consteval StatusText
+statusText(Status code, const char* context, const char* sentence, Retry retry) {
     if (!std::string_view(context).starts_with(contextPrefix) || codeOf(context) != code) {
         throw std::logic_error("the context must be \"Status\" and the code");
     }
@@ -99,9 +100,9 @@ constexpr std::array statusTexts{
         "The server name is not valid; give a host name or an IP address without a port.",
         Retry::no),
     statusText(
-        status::invalidRequestAddress, "Status7627",
-        "The request address is not valid; check the values given for blanks and control "
-        "characters.",
+        status::invalidRequestTarget, "Status7627",
+        "The request target is not valid; check that no name or host ID has spaces or control "
+        "characters or is one or two dots.",
         Retry::no),
     statusText(
         status::replyTooLarge, "Status7628", "The server's reply is too large.", Retry::check),
@@ -109,7 +110,7 @@ constexpr std::array statusTexts{
         status::clientFailure, "Status7629",
         "The HTTPS client failed; the debug log tells the reason.", Retry::check),
     statusText(
-        status::noCertificateRow, "Status7640",
+        status::noCertificateEntry, "Status7640",
         "There is no certificate information for this server in etc/certificates.toml; check "
         "its name, or enrol this host with it first.",
         Retry::no),
@@ -144,6 +145,51 @@ constexpr std::array statusTexts{
     statusText(
         status::unknownName, "Status8701",
         "The server does not know this name; check its spelling.", Retry::no),
+    statusText(
+        status::nameTaken, "Status8702",
+        "The name is approved for another host already; delete it there first, or share it between "
+        "both hosts.",
+        Retry::no),
+    statusText(
+        status::hostExists, "Status8703",
+        "The server already has a host of this name; list it to see its host ID.", Retry::no),
+    statusText(
+        status::malformedBody, "Status8705",
+        "The server did not understand the request; check that it is a primary server of a "
+        "supported version.",
+        Retry::no),
+    statusText(
+        status::invalidText, "Status8706",
+        "The server does not accept a name, the comment or the reason; check that none is empty, "
+        "too long or not UTF-8.",
+        Retry::no),
+    statusText(
+        status::bodyTooLarge, "Status8707",
+        "The request is too large for the server; shorten the values given.", Retry::no),
+    statusText(
+        status::wrongMethod, "Status8708",
+        "The server does not support this operation; check that it is a primary server of a "
+        "supported version.",
+        Retry::no),
+    statusText(
+        status::wrongMediaType, "Status8709",
+        "The server does not support this version of the interface; check that it is a primary "
+        "server of a supported version.",
+        Retry::no),
+    statusText(
+        status::unknownResource, "Status8710",
+        "The server has no such resource; check the host ID.", Retry::no),
+    statusText(
+        status::malformedRequest, "Status8711",
+        "The server cannot read the request target; check the names and the host ID.", Retry::no),
+    statusText(
+        status::otherHost, "Status8712",
+        "The certificate of this host belongs to another host; enrol this host again.", Retry::no),
+    statusText(
+        status::serverFailure, "Status8713",
+        "The server could not use its host database; check whether the change was made before "
+        "trying again.",
+        Retry::check),
     statusText(
         status::ambiguousHost, "Status8900",
         "The host name belongs to more than one host; give the host ID instead.", Retry::no),

@@ -1,7 +1,6 @@
 #include "config/CertificateInfo.h"
 
 #include "arkeon/host_identity.h"
-#include "arkeon/status.h"
 #include "arkeon/text.h"
 #include "config/Paths.h"
 #include "config/TomlFile.h"
@@ -11,7 +10,7 @@
 namespace arkeon {
 namespace {
 
-/// What a row of this type says; no row says the empty text.
+/// The value of "type" in entries of this type; no entry has the empty one.
 std::string_view nameOf(int certType) {
     switch (certType) {
     case hostCertificateType:
@@ -23,133 +22,108 @@ std::string_view nameOf(int certType) {
     }
 }
 
-/// Walks the rows of one file in order; stops at the first that matches or cannot be understood.
-class RowFinder {
-public:
-    RowFinder(int certType, std::string_view server)
-        : path_(certificateInfoFile()), type_(nameOf(certType)), server_(server) {}
-
-    int find(CertificateRow& row) const;
-
-private:
-    int searchFile(const toml::table& root, CertificateRow& row) const;
-    int searchRows(const toml::array& rows, CertificateRow& row) const;
-    int examine(const toml::node& node, bool& matches, CertificateRow& row) const;
-    int fill(const toml::table& table, CertificateRow& row) const;
-    bool take(const toml::table& table, const char* key, std::string& value) const;
-    std::string resolved(const std::string& path) const;
-    int malformed(const toml::node& node, std::string_view problem) const;
-    int noRow() const;
-
-    std::string path_;
-    std::string_view type_;
-    std::string_view server_;
-};
-
-int RowFinder::find(CertificateRow& row) const {
-    toml::table root;
-    switch (readToml(path_, root)) {
-    case TomlResult::read:
-        return searchFile(root, row);
-    case TomlResult::missing:
-        return status::noCertificateRow;
-    case TomlResult::unreadable:
-        break;
-    }
+Status malformed(const std::string& path, const toml::node& node, std::string_view problem) {
+    report({place(path, node.source()), ": ", problem});
     return status::malformedCertificateInfo;
 }
 
-int RowFinder::searchFile(const toml::table& root, CertificateRow& row) const {
-    const toml::node* rows = root.get("certificate");
-    if (rows == nullptr) {
-        return noRow();
-    }
-    if (!rows->is_array()) {
-        return malformed(*rows, "certificate must be an array of tables");
-    }
-    return searchRows(*rows->as_array(), row);
-}
-
-int RowFinder::searchRows(const toml::array& rows, CertificateRow& row) const {
-    for (const toml::node& node : rows) {
-        bool matches = false;
-        const int result = examine(node, matches, row);
-        if (matches || result != status::success) {
-            return result;
-        }
-    }
-    return noRow();
-}
-
-int RowFinder::examine(const toml::node& node, bool& matches, CertificateRow& row) const {
-    const toml::table* table = node.as_table();
-    if (table == nullptr) {
-        return malformed(node, "certificate must be an array of tables");
-    }
-    std::string type;
-    std::string server;
-    if (!take(*table, "type", type) || !take(*table, "server", server)) {
-        return status::malformedCertificateInfo;
-    }
-    matches = type == type_ && sameServer(server, server_);
-    return matches ? fill(*table, row) : status::success;
-}
-
-int RowFinder::fill(const toml::table& table, CertificateRow& row) const {
-    if (!take(table, "host_id", row.hostId) || !take(table, "certificate", row.certificate) ||
-        !take(table, "private_key", row.privateKey) || !take(table, "ca", row.authorities)) {
-        return status::malformedCertificateInfo;
-    }
-    row.certificate = resolved(row.certificate);
-    row.privateKey = resolved(row.privateKey);
-    row.authorities = resolved(row.authorities);
-    return status::success;
-}
-
-bool RowFinder::take(const toml::table& table, const char* key, std::string& value) const {
+/// Reads a key that every entry must have.
+Status
+readKey(const std::string& path, const toml::table& table, const char* key, std::string& value) {
     const toml::node* node = table.get(key);
     const std::optional<std::string> text = plainText(node);
     if (!text || text->empty()) {
-        const std::string problem = std::string(key) + " is missing, empty or no text";
-        malformed(node == nullptr ? static_cast<const toml::node&>(table) : *node, problem);
-        return false;
+        const toml::node& place = node == nullptr ? static_cast<const toml::node&>(table) : *node;
+        return malformed(path, place, std::string(key) + " is missing, empty or no text");
     }
     value = *text;
-    return true;
+    return status::success;
 }
 
-std::string RowFinder::resolved(const std::string& path) const {
-    return path.starts_with('/') ? path : path_.substr(0, path_.rfind('/') + 1) + path;
+/// The same for a path, which may be relative to the directory of the file.
+Status
+readPath(const std::string& path, const toml::table& table, const char* key, std::string& value) {
+    const Status result = readKey(path, table, key, value);
+    if (!value.starts_with('/')) {
+        value.insert(0, path, 0, path.rfind('/') + 1);
+    }
+    return result;
 }
 
-int RowFinder::malformed(const toml::node& node, std::string_view problem) const {
-    report({place(path_, node.source()), ": ", problem});
-    return status::malformedCertificateInfo;
+/// Reads an entry; stops at the first key that is malformed.
+Status readEntry(const std::string& path, const toml::table& table, CertificateEntry& entry) {
+    Status result = readKey(path, table, "host_id", entry.hostId);
+    if (result == status::success) {
+        result = readPath(path, table, "certificate", entry.certificate);
+    }
+    if (result == status::success) {
+        result = readPath(path, table, "private_key", entry.privateKey);
+    }
+    return result == status::success ? readPath(path, table, "ca", entry.caBundle) : result;
 }
 
-int RowFinder::noRow() const {
-    report({path_, ": no row of type \"", type_, "\" for server \"", server_, "\""});
-    return status::noCertificateRow;
+/// Searches the entries in order; stops at the first that matches or is malformed.
+Status searchEntries(
+    const std::string& path, const toml::node& entries, std::string_view wanted,
+    std::string_view server, CertificateEntry& entry) {
+    constexpr std::string_view notTables = "certificate must be an array of tables";
+    if (!entries.is_array()) {
+        return malformed(path, entries, notTables);
+    }
+    for (const toml::node& node : *entries.as_array()) {
+        const toml::table* table = node.as_table();
+        if (table == nullptr) {
+            return malformed(path, node, notTables);
+        }
+        std::string type;
+        std::string name;
+        if (readKey(path, *table, "type", type) != status::success ||
+            readKey(path, *table, "server", name) != status::success) {
+            return status::malformedCertificateInfo;
+        }
+        if (type == wanted && sameServer(name, server)) {
+            return readEntry(path, *table, entry);
+        }
+    }
+    return status::noCertificateEntry;
 }
 
 }  // namespace
 
-int findCertificateRow(int certType, std::string_view server, CertificateRow& row) {
-    return RowFinder(certType, server).find(row);
+Status findCertificateEntry(int certType, std::string_view server, CertificateEntry& entry) {
+    const std::string path = certificateInfoFile();
+    toml::table root;
+    const TomlResult read = readToml(path, root);
+    if (read == TomlResult::missing) {
+        report({path, ": no such file"});
+        return status::noCertificateEntry;
+    }
+    if (read == TomlResult::unreadable) {
+        return status::malformedCertificateInfo;
+    }
+    const std::string_view wanted = nameOf(certType);
+    const toml::node* entries = root.get("certificate");
+    const Status result = entries == nullptr ? status::noCertificateEntry
+                                             : searchEntries(path, *entries, wanted, server, entry);
+    if (result == status::noCertificateEntry) {
+        report({path, ": no row of type \"", wanted, "\" for server \"", server, "\""});
+    }
+    return result;
 }
 
 }  // namespace arkeon
 
 int getHostID(int cert_type, const char* server, char* buffer, unsigned long size) {
     arkeon::boundedCopy(buffer, size, "");
-    arkeon::CertificateRow row;
-    const int result = arkeon::findCertificateRow(cert_type, server == nullptr ? "" : server, row);
+    arkeon::CertificateEntry entry;
+    const arkeon::Status result =
+        arkeon::findCertificateEntry(cert_type, server == nullptr ? "" : server, entry);
     if (result != arkeon::status::success) {
         return result;
     }
-    if (row.hostId.size() >= size) {
+    if (entry.hostId.size() >= size) {
         return arkeon::status::hostIdBufferTooSmall;
     }
-    arkeon::boundedCopy(buffer, size, row.hostId);
+    arkeon::boundedCopy(buffer, size, entry.hostId);
     return arkeon::status::success;
 }

@@ -1,23 +1,25 @@
 #pragma once
 
+#include "arkeon/status.h"
+
 #include <string>
 #include <string_view>
 
 namespace arkeon {
 
-/// What the certificate information says about one server. The paths are absolute, or relative to
-/// the working directory when `<root>` is.
-struct CertificateRow {
+/// An entry of the certificate information: what it states about one server. The paths are
+/// absolute, or relative to the working directory when `<root>` is.
+struct CertificateEntry {
     std::string hostId;
     std::string certificate;  ///< PEM chain
     std::string privateKey;   ///< PEM
-    std::string authorities;  ///< PEM bundle
+    std::string caBundle;     ///< PEM
 };
 
-/// Finds the first row of `<root>/etc/certificates.toml` for this type (1: "host", 2: "cluster")
+/// Finds the first entry of `<root>/etc/certificates.toml` for this type (1: "host", 2: "cluster")
 /// and server.
-/// @return 0, 7640 (no file, no row) or 7641 (unreadable, malformed); the reason is in the debug
+/// @return 0, 7640 (no file, no entry) or 7641 (unreadable, malformed); the reason is in the debug
 ///         log
-int findCertificateRow(int certType, std::string_view server, CertificateRow& row);
+Status findCertificateEntry(int certType, std::string_view server, CertificateEntry& entry);
 
 }  // namespace arkeon

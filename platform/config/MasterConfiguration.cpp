@@ -22,78 +22,74 @@ std::unique_ptr<const OwnedConfig>& currentConfig() {
     return current;
 }
 
-/// Reads the known keys of one file; the first of the wrong type is reported and ends it.
-class Reader {
-public:
-    explicit Reader(std::string path) : path_(std::move(path)) {}
-
-    bool read(OwnedConfig& owned) const;
-
-private:
-    bool wrongType(const toml::node& node, const char* key, const char* wanted) const;
-    bool readPrimaryServer(const toml::table& root, OwnedConfig& owned) const;
-    bool readCluster(const toml::table& root, OwnedConfig& owned) const;
-
-    std::string path_;
-};
-
-bool Reader::wrongType(const toml::node& node, const char* key, const char* wanted) const {
-    report({place(path_, node.source()), ": ", key, " must be ", wanted});
+bool wrongType(
+    const std::string& path, const toml::node& node, const char* key, const char* wanted) {
+    report({place(path, node.source()), ": ", key, " must be ", wanted});
     return false;
 }
 
-bool Reader::readPrimaryServer(const toml::table& root, OwnedConfig& owned) const {
+bool readPrimaryServer(const std::string& path, const toml::table& root, OwnedConfig& owned) {
     const toml::node* node = root.get("primary_server");
     if (node == nullptr) {
         return true;
     }
     const toml::table* table = node->as_table();
     if (table == nullptr) {
-        return wrongType(*node, "primary_server", "a table");
+        return wrongType(path, *node, "primary_server", "a table");
     }
     const toml::node* name = table->get("name");
     owned.name = plainText(name);
     if (name != nullptr && !owned.name) {
-        return wrongType(*name, "primary_server.name", "a text without a NUL character");
+        return wrongType(path, *name, "primary_server.name", "a text without a NUL character");
     }
     owned.primaryServer.name = owned.name ? owned.name->c_str() : nullptr;
     owned.config.primary_server = &owned.primaryServer;
     return true;
 }
 
-bool Reader::readCluster(const toml::table& root, OwnedConfig& owned) const {
+bool readCluster(const std::string& path, const toml::table& root, OwnedConfig& owned) {
     const toml::node* node = root.get("cluster");
     if (node == nullptr) {
         return true;
     }
     const toml::table* table = node->as_table();
     if (table == nullptr) {
-        return wrongType(*node, "cluster", "a table");
+        return wrongType(path, *node, "cluster", "a table");
     }
     const toml::node* active = table->get("active_node");
     if (active != nullptr && !active->is_boolean()) {
-        return wrongType(*active, "cluster.active_node", "true or false");
+        return wrongType(path, *active, "cluster.active_node", "true or false");
     }
     owned.config.active_node = active != nullptr && active->as_boolean()->get();
     return true;
 }
 
-bool Reader::read(OwnedConfig& owned) const {
+/// Makes the file's configuration the current one, if its known keys have the right types.
+TomlResult readMasterConfig() {
+    const std::string path = masterConfigFile();
+    auto owned = std::make_unique<OwnedConfig>();
     toml::table root;
-    return readToml(path_, root) == TomlResult::read && readPrimaryServer(root, owned) &&
-           readCluster(root, owned);
+    const TomlResult result = readToml(path, root);
+    if (result != TomlResult::read) {
+        return result;
+    }
+    if (!readPrimaryServer(path, root, *owned) || !readCluster(path, root, *owned)) {
+        return TomlResult::unreadable;
+    }
+    currentConfig() = std::move(owned);
+    return TomlResult::read;
 }
 
 }  // namespace
 }  // namespace arkeon
 
 int AK_read_master_config() {
-    auto owned = std::make_unique<arkeon::OwnedConfig>();
-    if (!arkeon::Reader(arkeon::masterConfigFile()).read(*owned)) {
-        return arkeon::status::unreadableMasterConfig;
+    const arkeon::TomlResult result = arkeon::readMasterConfig();
+    if (result == arkeon::TomlResult::missing) {
+        arkeon::report({arkeon::masterConfigFile(), ": no such file"});
     }
-    arkeon::currentConfig() = std::move(owned);
-    return arkeon::status::success;
+    return result == arkeon::TomlResult::read ? arkeon::status::success
+                                              : arkeon::status::unreadableMasterConfig;
 }
 
 const MasterConfig* get_master_config_ptr() {
@@ -102,8 +98,10 @@ const MasterConfig* get_master_config_ptr() {
 }
 
 bool IsActiveClusterNode() {
-    if (get_master_config_ptr() == nullptr && AK_read_master_config() != arkeon::status::success) {
-        return false;
+    // Without a file the host is not clustered; a run with -server needs none.
+    if (get_master_config_ptr() == nullptr) {
+        static_cast<void>(arkeon::readMasterConfig());
     }
-    return get_master_config_ptr()->active_node;
+    const MasterConfig* config = get_master_config_ptr();
+    return config != nullptr && config->active_node;
 }

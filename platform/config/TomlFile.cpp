@@ -1,35 +1,22 @@
 #include "config/TomlFile.h"
 
 #include "config/ReadFile.h"
-#include "config/TomlKeys.h"
 #include "log/Report.h"
 
 namespace arkeon {
 
-namespace {
-
-std::string place(const std::string& path, std::size_t line, std::size_t column) {
-    return path + ", line " + std::to_string(line) + ", column " + std::to_string(column);
-}
-
-}  // namespace
-
 std::string place(const std::string& path, const toml::source_region& region) {
-    return place(path, region.begin.line, region.begin.column);
+    return path + ", line " + std::to_string(region.begin.line) + ", column " +
+           std::to_string(region.begin.column);
 }
 
 TomlResult readToml(const std::string& path, toml::table& table) {
     const FileContent file = readFile(path);
     if (isMissingFile(file.error)) {
-        report({path, ": no such file"});
         return TomlResult::missing;
     }
     if (file.error != 0) {
         report({path, ": ", file.reason});
-        return TomlResult::unreadable;
-    }
-    if (const auto key = findLongKey(file.text)) {
-        report({place(path, key->line, key->column), ": a key has too many parts"});
         return TomlResult::unreadable;
     }
     try {

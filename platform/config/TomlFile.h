@@ -1,17 +1,16 @@
 #pragma once
 
-#include "config/Toml.h"
-
 #include <optional>
 #include <string>
+#include <toml++/toml.h>
 
 namespace arkeon {
 
-/// What became of reading a TOML file; the debug log has the reason where it was not read.
+/// The outcome of reading a TOML file.
 enum class TomlResult {
     read,
-    missing,    ///< there is no such file
-    unreadable  ///< it cannot be read or is not TOML
+    missing,    ///< there is no such file; the caller logs it if it matters
+    unreadable  ///< it cannot be read or is not TOML; the reason is in the debug log
 };
 
 /// Reads `path` into `table`.

@@ -1,12 +1,11 @@
 #include "https/CurlStatus.h"
 
-#include "arkeon/status.h"
 #include "https/ReplyFraming.h"
 
 namespace arkeon {
 namespace {
 
-int statusOf(CURLcode result) {
+Status statusOf(CURLcode result) {
     switch (result) {
     case CURLE_OK:
         return status::success;
@@ -36,62 +35,74 @@ int statusOf(CURLcode result) {
     }
 }
 
-/// libcurl is content with a connection that is cut off inside the head, or anywhere in a body that
-/// has no length.
-bool isWhole(CURL* handle, const TransferNotes& notes) {
-    return notes.replyHeadWhole && (notes.tlsClosed || !endsWithConnection(handle));
+/// libcurl accepts a connection that breaks off inside the header section, or anywhere in a body
+/// without a length.
+bool isComplete(CURL* handle, const TransferNotes& notes) {
+    return notes.headersComplete && (notes.tlsClosed || !endsWithConnection(handle));
 }
 
-/// A TLS 1.3 server refuses the host's certificate after the handshake has ended for the client,
-/// with an alert in place of a reply.
-bool isRefusal(const TransferNotes& notes) {
+/// A TLS 1.3 server rejects the host's certificate when the handshake has ended for the client: it
+/// sends an alert instead of a reply.
+bool isRejection(const TransferNotes& notes) {
     return notes.alertReceived && !notes.replyBegun;
 }
 
-/// libcurl takes a line of the head up to 100 KiB; of a longer one it says that it has no memory.
-bool isHeadLineTooLong(CURLcode result, const TransferNotes& notes) {
-    return result == CURLE_OUT_OF_MEMORY && notes.requestSent && !notes.replyHeadWhole;
+/// libcurl reports a header line over 100 KiB as "out of memory".
+bool isHeaderLineTooLong(CURLcode result, const TransferNotes& notes) {
+    return result == CURLE_OUT_OF_MEMORY && notes.requestSent && !notes.headersComplete;
 }
 
-}  // namespace
-
-int transferStatus(CURL* handle, CURLcode result, const TransferNotes& notes) {
-    if (notes.replyTooLarge) {
-        return status::replyTooLarge;
-    }
-    if (notes.resendRefused) {
-        return status::connectionBroke;
-    }
-    if (isHeadLineTooLong(result, notes)) {
-        return status::replyTooLarge;
-    }
-    const int status = statusOf(result);
-    if (status == status::success) {
-        return isWhole(handle, notes) ? status::success : status::connectionBroke;
-    }
-    return isRefusal(notes) && status != status::untrustedServer ? status::handshakeFailed : status;
-}
-
-std::string_view observed(CURLcode result, const TransferNotes& notes) {
+/// What the notes add to libcurl's own text; empty for nothing.
+std::string_view observation(CURLcode result, const TransferNotes& notes) {
     if (notes.replyTooLarge) {
         return "the reply is over the limit";
     }
-    if (isHeadLineTooLong(result, notes)) {
+    if (isHeaderLineTooLong(result, notes)) {
         return "a line of the reply's head is over the limit, or there is no memory for it";
     }
-    if (notes.lengthUnclear) {
+    if (notes.lengthAmbiguous) {
         return "the reply's Content-Length is not one number";
     }
-    if (notes.outOfMemory) {
-        return "no memory for the body";
-    }
-    if (notes.resendRefused) {
+    if (notes.resendRejected) {
         return "the connection broke; the request is not sent again";
     }
     if (result == CURLE_OK) {
         return "the connection ended before the reply was whole";
     }
-    return isRefusal(notes) ? "the server ended TLS with an alert" : "";
+    return isRejection(notes) ? "the server ended TLS with an alert" : "";
+}
+
+}  // namespace
+
+Status transferStatus(CURL* handle, CURLcode result, const TransferNotes& notes) {
+    if (notes.replyTooLarge) {
+        return status::replyTooLarge;
+    }
+    if (notes.resendRejected) {
+        return status::connectionBroke;
+    }
+    if (isHeaderLineTooLong(result, notes)) {
+        return status::replyTooLarge;
+    }
+    const Status status = statusOf(result);
+    if (status == status::success) {
+        return isComplete(handle, notes) ? status::success : status::connectionBroke;
+    }
+    return isRejection(notes) && status != status::untrustedServer ? status::handshakeFailed
+                                                                   : status;
+}
+
+std::string
+failureReason(CURLcode result, std::string_view libcurlText, const TransferNotes& notes) {
+    std::string reason(libcurlText);
+    if (reason.empty() && result != CURLE_OK) {
+        reason = curl_easy_strerror(result);
+    }
+    const std::string_view addition = observation(result, notes);
+    if (!reason.empty() && !addition.empty()) {
+        reason += "; ";
+    }
+    return reason.append(addition);
 }
 
 }  // namespace arkeon

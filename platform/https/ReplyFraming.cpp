@@ -1,7 +1,5 @@
 #include "https/ReplyFraming.h"
 
-#include "https/ClientLibraries.h"
-
 #include <charconv>
 #include <cstring>
 #include <optional>
@@ -10,13 +8,13 @@
 namespace arkeon {
 namespace {
 
-/// Calls `visit` with the value of each line of the final reply's head that has this name, until it
+/// Calls `visit` with the value of each header line of this name in the final reply, until it
 /// returns false.
 template <typename Visit>
 void visitLines(CURL* handle, const char* name, Visit visit) {
     curl_header* line = nullptr;
     std::size_t index = 0;
-    while (client().curl_easy_header(handle, name, index, CURLH_HEADER, -1, &line) == CURLHE_OK &&
+    while (curl_easy_header(handle, name, index, CURLH_HEADER, -1, &line) == CURLHE_OK &&
            visit(line->value)) {
         ++index;
     }
@@ -31,8 +29,7 @@ bool isChunked(CURL* handle) {
     return found;
 }
 
-/// The number that `text` is; nothing for a sign, anything else than digits, or a number beyond 63
-/// bits.
+/// `text` as a number; nothing if it holds anything but digits or is beyond 63 bits.
 std::optional<curl_off_t> lengthOf(std::string_view text) {
     curl_off_t length = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), length);
@@ -42,21 +39,21 @@ std::optional<curl_off_t> lengthOf(std::string_view text) {
 
 }  // namespace
 
-bool hasClearLength(CURL* handle) {
-    bool clear = true;
+bool hasUnambiguousLength(CURL* handle) {
+    bool unambiguous = true;
     std::optional<curl_off_t> first;
-    visitLines(handle, "Content-Length", [&clear, &first](const char* value) {
+    visitLines(handle, "Content-Length", [&unambiguous, &first](const char* value) {
         const auto length = lengthOf(value);
-        clear = length && (!first || *first == *length);
+        unambiguous = length && (!first || *first == *length);
         first = length;
-        return clear;
+        return unambiguous;
     });
-    return clear;
+    return unambiguous;
 }
 
 bool endsWithConnection(CURL* handle) {
     curl_off_t length = 0;
-    client().curl_easy_getinfo(handle, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
+    curl_easy_getinfo(handle, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
     return length < 0 && !isChunked(handle);
 }
 

@@ -4,13 +4,14 @@
 
 namespace arkeon {
 
-/// Whether the head of the final reply says at most one length, and that as a number (RFC 9112,
-/// 6.3): libcurl takes the last of several, what stands before the first letter, and none at all
-/// where a number is beyond 64 bits. To be asked once the head is whole.
-bool hasClearLength(CURL* handle);
+/// Whether the header section of the final reply states at most one length, and that as a number
+/// (RFC 9112, 6.3). libcurl itself takes the last of several, whatever is in front of the first
+/// character that is not a digit, and none if the number is beyond 64 bits. Valid once the header
+/// section is complete.
+bool hasUnambiguousLength(CURL* handle);
 
 /// Whether only the end of the connection ends the reply's body (RFC 9112, 6.3). To libcurl a reply
-/// that has no body because of its status, as 204 and 304, has the length 0.
+/// that has no body because of its status, such as 204 and 304, has the length 0.
 bool endsWithConnection(CURL* handle);
 
 }  // namespace arkeon

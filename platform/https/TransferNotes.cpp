@@ -1,47 +1,21 @@
 #include "https/TransferNotes.h"
 
-#include "https/ClientLibraries.h"
-#include "https/ClientLimits.h"
 #include "https/ReplyFraming.h"
 
-#include <algorithm>
-#include <exception>
+#include <new>
+#include <openssl/ssl.h>
 #include <string_view>
 #include <sys/socket.h>
-#include <utility>
 
 namespace arkeon {
 namespace {
 
+/// The limit of a reply's header sections, in bytes: far above what a primary server sends, and
+/// below libcurl's own limit, which it reports as a broken connection.
+constexpr std::size_t maxHeaderBytes = std::size_t{256} * 1024;
+
 TransferNotes& notesOf(void* data) {
     return *static_cast<TransferNotes*>(data);
-}
-
-/// How long the decoded body is likely to be, `most` at most; 0 when the reply's head does not
-/// tell.
-std::size_t expectedLength(CURL* handle, std::size_t most) {
-    constexpr std::size_t compression = 16;  // more than listings are compressed
-    curl_off_t announced = 0;
-    curl_header* coding = nullptr;
-    client().curl_easy_getinfo(handle, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &announced);
-    if (announced <= 0) {
-        return 0;
-    }
-    const bool compressed =
-        client().curl_easy_header(handle, "Content-Encoding", 0, CURLH_HEADER, -1, &coding) ==
-        CURLHE_OK;
-    const std::size_t length = std::min(static_cast<std::size_t>(announced), most);
-    return compressed ? std::min(length * compression, most) : length;
-}
-
-/// Takes the room for the whole body at once, so that a large one need not be moved as it grows.
-/// Only what is written to takes memory. Where so much room cannot be had, the body grows.
-void makeRoom(TransferNotes& notes) {
-    try {
-        notes.body.reserve(expectedLength(notes.handle, notes.bodyLimit));
-    } catch (const std::exception&) {
-        return;
-    }
 }
 
 std::size_t onBody(char* data, std::size_t one, std::size_t size, void* context) {
@@ -50,57 +24,54 @@ std::size_t onBody(char* data, std::size_t one, std::size_t size, void* context)
         notes.replyTooLarge = true;
         return 0;
     }
-    if (notes.body.empty()) {
-        makeRoom(notes);
-    }
     try {
         notes.body.append(data, size);
-    } catch (const std::exception&) {
+    } catch (const std::bad_alloc&) {  // must not pass through libcurl
         notes.outOfMemory = true;
         return 0;
     }
     return one * size;
 }
 
-/// An interim reply (1xx) has a head of its own; the final reply's status line starts anew.
+/// An interim reply (1xx) has a header section of its own; another status line follows it.
 void noteStatusLine(TransferNotes& notes, std::string_view line) {
-    const std::size_t blank = line.find(' ');
-    notes.insideHead = true;
+    const std::size_t space = line.find(' ');
+    notes.insideHeaders = true;
     notes.replyIsInterim =
-        blank != std::string_view::npos && line.substr(blank + 1).starts_with('1');
+        space != std::string_view::npos && line.substr(space + 1).starts_with('1');
 }
 
-/// @return whether the reply may go on
-bool noteEndOfHead(TransferNotes& notes) {
-    notes.insideHead = false;
-    notes.replyHeadWhole = !notes.replyIsInterim;
-    notes.lengthUnclear = notes.replyHeadWhole && !hasClearLength(notes.handle);
-    return !notes.lengthUnclear;
+/// @return whether the transfer may continue
+bool noteEndOfHeaders(TransferNotes& notes) {
+    notes.insideHeaders = false;
+    notes.headersComplete = !notes.replyIsInterim;
+    notes.lengthAmbiguous = notes.headersComplete && !hasUnambiguousLength(notes.handle);
+    return !notes.lengthAmbiguous;
 }
 
-/// The lines of all heads, then those that may follow a body in chunks.
+/// Gets the lines of all header sections, then the trailers of a chunked body (RFC 9112, 7.1.2).
 std::size_t onHeader(char* data, std::size_t one, std::size_t size, void* context) {
     TransferNotes& notes = notesOf(context);
     const std::string_view line(data, size);
     notes.replyBegun = true;
-    notes.headBytes += size;
-    if (notes.headBytes > largestHead) {
+    notes.headerBytes += size;
+    if (notes.headerBytes > maxHeaderBytes) {
         notes.replyTooLarge = true;
         return 0;
     }
-    if (notes.replyHeadWhole) {
+    if (notes.headersComplete) {
         return one * size;
     }
-    if (!notes.insideHead) {
+    if (!notes.insideHeaders) {
         noteStatusLine(notes, line);
     } else if (line == "\r\n" || line == "\n") {
-        return noteEndOfHead(notes) ? one * size : 0;
+        return noteEndOfHeaders(notes) ? one * size : 0;
     }
     return one * size;
 }
 
-/// A compressed body may go on for ever and come to nothing, so that the bytes that arrive count as
-/// those that are decoded do.
+/// A compressed body can be endless and decode to nothing, so the limit also holds for the bytes
+/// that arrive.
 int onProgress(
     void* context, curl_off_t /*length*/, curl_off_t arrived, curl_off_t /*toSend*/,
     curl_off_t /*sent*/) {
@@ -119,31 +90,30 @@ int onDebug(
     return 0;
 }
 
-/// On a kept connection that turns out dead libcurl sends the request again, a PATCH as well,
-/// though the server may have carried it out. Neither a new connection nor another kept one is
-/// given to it.
-bool refuseResend(TransferNotes& notes) {
-    notes.resendRefused = notes.resendRefused || notes.requestSent;
-    return notes.resendRefused;
+/// On a kept connection that turns out to be dead, libcurl sends the request again, even a PATCH
+/// that the server may have carried out. So it gets neither a new connection nor another kept one.
+bool rejectResend(TransferNotes& notes) {
+    notes.resendRejected = notes.resendRejected || notes.requestSent;
+    return notes.resendRejected;
 }
 
 curl_socket_t onSocket(void* context, curlsocktype /*purpose*/, curl_sockaddr* address) {
-    if (refuseResend(notesOf(context))) {
+    if (rejectResend(notesOf(context))) {
         return CURL_SOCKET_BAD;
     }
-    // libcurl makes the socket non-blocking as well, but does not look whether that succeeds; a
-    // transfer on a blocking socket has no time-outs.
+    // libcurl makes the socket non-blocking too, but does not check whether that succeeded; a
+    // transfer on a blocking socket has no timeouts.
     return socket(
         address->family, address->socktype | SOCK_CLOEXEC | SOCK_NONBLOCK, address->protocol);
 }
 
 int onRequest(void* context, char* /*peer*/, char* /*local*/, int /*peerPort*/, int /*localPort*/) {
-    return refuseResend(notesOf(context)) ? CURL_PREREQFUNC_ABORT : CURL_PREREQFUNC_OK;
+    return rejectResend(notesOf(context)) ? CURL_PREREQFUNC_ABORT : CURL_PREREQFUNC_OK;
 }
 
 int notesIndex() {
-    static const int index = client().CRYPTO_get_ex_new_index(
-        CRYPTO_EX_INDEX_SSL_CTX, 0, nullptr, nullptr, nullptr, nullptr);
+    static const int index =
+        CRYPTO_get_ex_new_index(CRYPTO_EX_INDEX_SSL_CTX, 0, nullptr, nullptr, nullptr, nullptr);
     return index;
 }
 
@@ -152,8 +122,7 @@ void onTlsState(const SSL* connection, int where, int value) {
     if ((where & SSL_CB_READ_ALERT) != SSL_CB_READ_ALERT) {
         return;
     }
-    TransferNotes& notes =
-        notesOf(client().SSL_CTX_get_ex_data(client().SSL_get_SSL_CTX(connection), notesIndex()));
+    TransferNotes& notes = notesOf(SSL_CTX_get_ex_data(SSL_get_SSL_CTX(connection), notesIndex()));
     if (value >> levelShift == SSL3_AL_FATAL) {
         notes.alertReceived = true;
     } else if ((value & 0xFF) == SSL_AD_CLOSE_NOTIFY) {
@@ -163,18 +132,16 @@ void onTlsState(const SSL* connection, int where, int value) {
 
 CURLcode onTlsContext(CURL* /*handle*/, void* sslContext, void* context) {
     auto* tls = static_cast<SSL_CTX*>(sslContext);
-    client().SSL_CTX_set_info_callback(tls, onTlsState);
-    return client().SSL_CTX_set_ex_data(tls, notesIndex(), context) == 1 ? CURLE_OK
-                                                                         : CURLE_OUT_OF_MEMORY;
+    SSL_CTX_set_info_callback(tls, onTlsState);
+    return SSL_CTX_set_ex_data(tls, notesIndex(), context) == 1 ? CURLE_OK : CURLE_OUT_OF_MEMORY;
 }
 
 /// Sets a callback and its context.
 template <typename Callback>
 CURLcode setCallback(
     CURL* handle, CURLoption function, Callback callback, CURLoption data, TransferNotes& notes) {
-    const CURLcode result = client().curl_easy_setopt(handle, function, callback);
-    return result == CURLE_OK ? client().curl_easy_setopt(handle, data, static_cast<void*>(&notes))
-                              : result;
+    const CURLcode result = curl_easy_setopt(handle, function, callback);
+    return result == CURLE_OK ? curl_easy_setopt(handle, data, static_cast<void*>(&notes)) : result;
 }
 
 }  // namespace
@@ -189,22 +156,15 @@ CURLcode takeNotes(CURL* handle, TransferNotes& notes) {
         setCallback(handle, CURLOPT_PREREQFUNCTION, onRequest, CURLOPT_PREREQDATA, notes),
         setCallback(handle, CURLOPT_SSL_CTX_FUNCTION, onTlsContext, CURLOPT_SSL_CTX_DATA, notes),
         setCallback(handle, CURLOPT_XFERINFOFUNCTION, onProgress, CURLOPT_XFERINFODATA, notes),
-        client().curl_easy_setopt(handle, CURLOPT_NOPROGRESS, 0L),
+        curl_easy_setopt(handle, CURLOPT_NOPROGRESS, 0L),
         // The debug callback is called only then; it takes the place of the output to stderr.
-        client().curl_easy_setopt(handle, CURLOPT_VERBOSE, 1L)};
+        curl_easy_setopt(handle, CURLOPT_VERBOSE, 1L)};
     for (const CURLcode result : results) {
         if (result != CURLE_OK) {
             return result;
         }
     }
     return CURLE_OK;
-}
-
-std::string takeBody(TransferNotes& notes) {
-    if (notes.body.size() < notes.body.capacity() / 2) {
-        notes.body.shrink_to_fit();
-    }
-    return std::move(notes.body);
 }
 
 }  // namespace arkeon

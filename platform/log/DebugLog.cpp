@@ -3,10 +3,7 @@
 #include "log/LogFile.h"
 #include "log/LogLine.h"
 
-#include <array>
 #include <cerrno>
-#include <cstddef>
-#include <exception>
 #include <new>
 #include <unistd.h>
 
@@ -14,10 +11,8 @@ namespace arkeon {
 namespace {
 
 /// Never destroyed: objects that live until the process ends write and close the log last of all.
-/// Takes no memory, the lack of which is logged, too.
 LogFile& debugLog() {
-    alignas(LogFile) static std::array<std::byte, sizeof(LogFile)> place;
-    static LogFile& file = *new (place.data()) LogFile;
+    static LogFile& file = *new LogFile;
     return file;
 }
 
@@ -51,13 +46,13 @@ void logmsg(int level, const char* text, const char* name) {
     logmsg(level, {arkeon::textOrEmpty(text)}, arkeon::textOrEmpty(name));
 }
 
-/// Whatever fails here, the caller goes on as if there were no log: errno stays what it was.
+/// A log that cannot be written changes nothing for the caller, not even errno.
 void logmsg(int level, std::initializer_list<std::string_view> pieces, std::string_view name) {
     const int callersErrno = errno;
     try {
         arkeon::appendLine(level, pieces, name);
-    } catch (const std::exception&) {
-        // Without memory for the line there is none.
+    } catch (const std::bad_alloc&) {
+        // Out of memory: the line is dropped.
     }
     errno = callersErrno;
 }

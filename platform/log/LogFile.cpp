@@ -1,7 +1,6 @@
 #include "log/LogFile.h"
 
 #include <cerrno>
-#include <csignal>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -49,32 +48,10 @@ int openChecked(const std::string& path, mode_t mode, int& descriptor) {
     return error;
 }
 
-/// While the object lives, a write beyond the process's file size limit (ulimit -f) fails like any
-/// other write instead of ending the process.
-class SizeSignalBlock {
-public:
-    SizeSignalBlock() {
-        sigemptyset(&signal_);
-        sigaddset(&signal_, SIGXFSZ);
-        pthread_sigmask(SIG_BLOCK, &signal_, &before_);
-    }
-    ~SizeSignalBlock() {
-        const timespec noTime{};
-        sigtimedwait(&signal_, nullptr, &noTime);
-        pthread_sigmask(SIG_SETMASK, &before_, nullptr);
-    }
-    SizeSignalBlock(const SizeSignalBlock&) = delete;
-    SizeSignalBlock& operator=(const SizeSignalBlock&) = delete;
-
-private:
-    sigset_t signal_{};
-    sigset_t before_{};
-};
-
-/// Takes back the piece of a line, `size` bytes, that went to a full disk, unless another run's
-/// line follows it. A line that comes in between the look and the cut is lost; on a full disk there
-/// is hardly one. What cannot be taken back stays.
-void takeBack(int descriptor, off_t size) {
+/// Removes the last `size` bytes, the part of a line that was written before the disk was full,
+/// unless another run's line follows. A line that arrives between the check and the cut is lost,
+/// which is unlikely on a full disk.
+void removePartialLine(int descriptor, off_t size) {
     struct stat facts {};
     const off_t end = lseek(descriptor, 0, SEEK_CUR);
     if (fstat(descriptor, &facts) == 0 && facts.st_size == end) {
@@ -82,16 +59,14 @@ void takeBack(int descriptor, off_t size) {
     }
 }
 
-/// A failed or short write is not gone on with: a second write could land inside another run's
-/// line.
+/// A failed or short write is not continued: a second write could land inside another run's line.
 void writeOnce(int descriptor, std::string_view line) {
-    const SizeSignalBlock block;
     ssize_t count = 0;
     do {
         count = write(descriptor, line.data(), line.size());
     } while (count < 0 && errno == EINTR);
     if (count > 0 && static_cast<std::size_t>(count) < line.size()) {
-        takeBack(descriptor, count);
+        removePartialLine(descriptor, count);
     }
 }
 

@@ -1,11 +1,15 @@
 #pragma once
 
-#include <initializer_list>
-#include <string_view>
+#include "arkeon/debug_log.h"
 
 namespace arkeon {
 
-/// Writes why a platform service fails to the debug log, as the failure of "arkeon".
-void report(std::initializer_list<std::string_view> pieces);
+/// The name in the debug log's lines that the platform services write.
+inline constexpr std::string_view platformName = "arkeon";
+
+/// Logs why a platform service fails.
+inline void report(std::initializer_list<std::string_view> parts) {
+    logmsg(logLevel::failure, parts, platformName);
+}
 
 }  // namespace arkeon

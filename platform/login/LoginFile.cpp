@@ -1,6 +1,5 @@
 #include "login/LoginFile.h"
 
-#include "arkeon/status.h"
 #include "config/ReadFile.h"
 #include "log/Report.h"
 #include "text/ServerNames.h"
@@ -14,7 +13,7 @@
 namespace arkeon {
 namespace {
 
-/// Gives a reference to a JSON value back.
+/// Releases a reference to a JSON value.
 struct JsonRelease {
     void operator()(json_t* value) const { json_decref(value); }
 };
@@ -22,8 +21,8 @@ using Json = std::unique_ptr<json_t, JsonRelease>;
 
 /// A token goes into a header line as it is: visible ASCII only.
 bool isToken(std::string_view token) {
-    return !token.empty() && std::all_of(token.begin(), token.end(), [](char letter) {
-        return letter > ' ' && letter <= '~';
+    return !token.empty() && std::all_of(token.begin(), token.end(), [](char byte) {
+        return byte > ' ' && byte <= '~';
     });
 }
 
@@ -80,21 +79,21 @@ std::string_view distrust(const FileContent& file) {
     return (file.mode & groupAndOthers) != 0 ? "open to group or others" : "";
 }
 
-int refused(std::string_view path, std::string_view reason) {
+Status rejected(std::string_view path, std::string_view reason) {
     report({path, ": ", reason});
     return status::loginRefused;
 }
 
 /// jansson's own error text quotes the file and with it, maybe, a token: only the place is logged.
-int notJson(std::string_view path, const json_error_t& error) {
-    return refused(
+Status notJson(std::string_view path, const json_error_t& error) {
+    return rejected(
         path, "not JSON, line " + std::to_string(error.line) + ", column " +
                   std::to_string(error.column));
 }
 
 }  // namespace
 
-int LoginFile::read(const std::string& path) {
+Status LoginFile::read(const std::string& path) {
     path_ = path;
     const FileContent file = readFile(path);
     if (isMissingFile(file.error)) {
@@ -102,7 +101,7 @@ int LoginFile::read(const std::string& path) {
         return status::notLoggedIn;
     }
     if (const std::string_view reason = distrust(file); !reason.empty()) {
-        return refused(path, reason);
+        return rejected(path, reason);
     }
     json_error_t error{};
     const Json root(json_loadb(file.text.data(), file.text.size(), 0, &error));
@@ -110,10 +109,10 @@ int LoginFile::read(const std::string& path) {
         return notJson(path, error);
     }
     return readLogins(root.get(), logins_) ? status::success
-                                           : refused(path, "not of the form of a login file");
+                                           : rejected(path, "not of the form of a login file");
 }
 
-int LoginFile::findToken(
+Status LoginFile::findToken(
     std::string_view server, std::int64_t port, std::time_t now, std::string& token) const {
     const auto login = std::find_if(logins_.begin(), logins_.end(), [&](const Login& entry) {
         return entry.port == port && sameServer(entry.server, server);
@@ -123,7 +122,7 @@ int LoginFile::findToken(
         return status::notLoggedIn;
     }
     if (!isToken(login->token)) {
-        return refused(path_, "the token is empty or holds a byte that is no visible ASCII");
+        return rejected(path_, "the token is empty or holds a byte that is no visible ASCII");
     }
     if (login->expires && *login->expires <= now) {
         report({path_, ": the login for ", server, " has expired"});

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "arkeon/status.h"
+
 #include <cstdint>
 #include <ctime>
 #include <optional>
@@ -22,11 +24,11 @@ class LoginFile {
 public:
     /// Reads the whole file and checks its form; an empty `path` counts as a missing file.
     /// @return 0, 5930 (missing) or 117 (not to be trusted, not of this form)
-    int read(const std::string& path);
+    Status read(const std::string& path);
 
     /// The token of the first login for this server and port.
     /// @return 0, 5930 (no such login), 117 (a token that is none) or 118 (expired)
-    int findToken(
+    Status findToken(
         std::string_view server, std::int64_t port, std::time_t now, std::string& token) const;
 
 private:

@@ -1,6 +1,5 @@
 #include "arkeon/LoginWithUserTokenManager.h"
 
-#include "arkeon/status.h"
 #include "config/Paths.h"
 #include "login/LoginFile.h"
 
@@ -11,10 +10,11 @@ LoginWithUserTokenManager::LoginWithUserTokenManager(
     const std::string& /*domain*/, const std::string& /*domainType*/, int /*certType*/)
     : port_(port) {}
 
-int LoginWithUserTokenManager::findToken(const std::string& server, std::string& token) const {
+arkeon::Status
+LoginWithUserTokenManager::findToken(const std::string& server, std::string& token) const {
     token.clear();
     arkeon::LoginFile logins;
-    int result = logins.read(arkeon::loginFile());
+    arkeon::Status result = logins.read(arkeon::loginFile());
     if (result == arkeon::status::success) {
         result = logins.findToken(server, port_, std::time(nullptr), token);
     }

@@ -110,11 +110,6 @@ void Console::writeError(std::string_view text) {
     }
 }
 
-void Console::writePlainError(std::string_view text) {
-    flush();
-    writeAll(error_, text);
-}
-
 Console::Line Console::readLine() {
     flush();
     Line line;

@@ -11,13 +11,13 @@ namespace {
 constexpr AllowedValue colours[] = {{"TestBas0001N", "red"}, {"TestBas0002N", "green"}};
 
 const PARAMETERS table[] = {
-    {1, "server", "s", 0, parameterTypes::string},
-    {2, "hostid", "i", 1, parameterTypes::string},
-    {7, "optional", "o", 2, parameterTypes::string},
-    {3, "isshared", "is", 0, parameterTypes::none},
-    {4, "colour", "c", 0, parameterTypes::string, colours, 2},
-    {5, "count", "n", 0, parameterTypes::unsignedInteger},
-    {6, "file", "f", 0, parameterTypes::path},
+    {1, "server", "s", 0, stringValue},
+    {2, "hostid", "i", 1, stringValue},
+    {7, "optional", "o", 2, stringValue},
+    {3, "isshared", "is", 0, noValue},
+    {4, "colour", "c", 0, stringValue, colours, 2},
+    {5, "count", "n", 0, unsignedValue},
+    {6, "file", "f", 0, pathValue},
 };
 
 class Command : public CBasecmd {
@@ -76,7 +76,7 @@ TEST(Basecmd, ARequiredOptionIsNamedWithItsAlias) {
 }
 
 TEST(Basecmd, ARequiredOptionWithoutAliasIsNamedAlone) {
-    const PARAMETERS only[] = {{1, "needed", "", 1, parameterTypes::string}};
+    const PARAMETERS only[] = {{1, "needed", "", 1, stringValue}};
     class OneOption : public Command {
     public:
         explicit OneOption(const PARAMETERS* row) : Command(parsed({"-list"})) {
@@ -138,7 +138,7 @@ TEST(Basecmd, TheFirstWrongOptionInAlphabeticalOrderIsReported) {
 }
 
 TEST(Basecmd, ADetailIsCutAt255Bytes) {
-    const PARAMETERS only[] = {{1, std::string(300, 'q'), "", 1, parameterTypes::string}};
+    const PARAMETERS only[] = {{1, std::string(300, 'q'), "", 1, stringValue}};
     class OneOption : public Command {
     public:
         explicit OneOption(const PARAMETERS* row) : Command(parsed({"-list"})) {
@@ -151,18 +151,18 @@ TEST(Basecmd, ADetailIsCutAt255Bytes) {
 
 TEST(Basecmd, OnlyStringsHaveAllowedValues) {
     const Command command({"-list", "-n", "3"});
-    const PARAMETERS number{5, "count", "n", 0, parameterTypes::unsignedInteger, colours, 2};
+    const PARAMETERS number{5, "count", "n", 0, unsignedValue, colours, 2};
     EXPECT_NO_THROW(command.validateExpectedParamValue(number, "n"));
     EXPECT_THROW(command.valueInSet(number, "n"), CUsagecmd);
-    const PARAMETERS none{5, "count", "n", 0, parameterTypes::string, colours, 0};
+    const PARAMETERS none{5, "count", "n", 0, stringValue, colours, 0};
     EXPECT_NO_THROW(command.valueInSet(none, "n")) << "a count of 0 allows everything";
 }
 
 TEST(Basecmd, WithoutAnyAllowedValueEverythingIsAllowed) {
     const Command command({"-list", "-n", "3"});
-    const PARAMETERS noTable{5, "count", "n", 0, parameterTypes::string, nullptr, 2};
+    const PARAMETERS noTable{5, "count", "n", 0, stringValue, nullptr, 2};
     EXPECT_NO_THROW(command.valueInSet(noTable, "n"));
-    const PARAMETERS onlyRed{5, "count", "n", 0, parameterTypes::string, colours, 1};
+    const PARAMETERS onlyRed{5, "count", "n", 0, stringValue, colours, 1};
     EXPECT_THROW(command.valueInSet(onlyRed, "n"), CUsagecmd);
 }
 

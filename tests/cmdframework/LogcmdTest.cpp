@@ -46,7 +46,7 @@ TEST(Logcmd, NothingIsWrittenBeforeInit) {
     const LogFolder folder;
     const CLogcmd log;
     log.logit("early", 2);
-    EXPECT_EQ(CLogcmd::useCount(), 0U);
+    EXPECT_EQ(CLogcmd::use_count, 0U);
     EXPECT_TRUE(folder.lines().empty());
 }
 
@@ -70,7 +70,7 @@ TEST(Logcmd, AMissingFolderIsNoFailureAndLeavesTheProgramNameEmpty) {
         lastName = name;
         return 0;
     });
-    EXPECT_EQ(CLogcmd::useCount(), 1U);
+    EXPECT_EQ(CLogcmd::use_count, 1U);
     EXPECT_FALSE(log.logDirectoryExists());
     lastName = "untouched";
     log.logit("x", 2);
@@ -86,7 +86,7 @@ TEST(Logcmd, ASecondInitOpensNothingAndChangesNothingThatIsSet) {
     log.init(second.root(), "other", "elsewhere", nullptr);
     CLogcmd another;
     another.init(second.root(), "third", "admin", nullptr);
-    EXPECT_EQ(CLogcmd::useCount(), 3U);
+    EXPECT_EQ(CLogcmd::use_count, 3U);
     log.logit("x", 2);
     EXPECT_EQ(first.lines(), (Lines{"2 tool: x"}));
     EXPECT_TRUE(second.lines().empty());
@@ -109,10 +109,10 @@ TEST(Logcmd, EmptyAndNullSettingsAreNotTaken) {
 
 TEST(Logcmd, CopiesAndDefaultConstructionLeaveTheUseCountAlone) {
     LogLines lines;
-    EXPECT_EQ(CLogcmd::useCount(), 1U);
+    EXPECT_EQ(CLogcmd::use_count, 1U);
     std::optional<CLogcmd> other(std::in_place);
     *other = lines.log;
-    EXPECT_EQ(CLogcmd::useCount(), 1U);
+    EXPECT_EQ(CLogcmd::use_count, 1U);
     other->logit("by the copy", 2);
     EXPECT_EQ(LogLines::lines(), Lines{"2 by the copy"});
 }
@@ -125,10 +125,10 @@ TEST(Logcmd, TheCountReachesZeroAndWrapsSoThatLaterLinesStillReachTheSameFile) {
         const CLogcmd operationLog;
         operationLog.logit("from the operation", 2);
     }
-    EXPECT_EQ(CLogcmd::useCount(), 0U);
+    EXPECT_EQ(CLogcmd::use_count, 0U);
     log.logit("lost while the count is 0", 2);
     { const CLogcmd frameworkLog; }
-    EXPECT_EQ(CLogcmd::useCount(), 4294967295U);
+    EXPECT_EQ(CLogcmd::use_count, 4294967295U);
     log.logit("last line", 2);
     EXPECT_EQ(folder.lines(), (Lines{"2 : from the operation", "2 tool: last line"}));
 }
@@ -146,7 +146,7 @@ TEST(Logcmd, ALogThatCannotBeOpenedIsReportedWithoutStatusText) {
     EXPECT_EQ(
         runTimeFailureOf([&] { log.init(folder.root(), "tool", "admin", nullptr); }),
         "There was a problem opening the log file.  Command terminated. (21) => 21");
-    EXPECT_EQ(CLogcmd::useCount(), 0U) << "the count is not raised";
+    EXPECT_EQ(CLogcmd::use_count, 0U) << "the count is not raised";
 }
 
 TEST(Logcmd, RunTimeFailuresAreLoggedAsFailures) {

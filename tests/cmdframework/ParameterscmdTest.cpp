@@ -12,10 +12,10 @@ namespace {
 constexpr AllowedValue yesNo[] = {{"TestPar0001N", "yes"}, {"TestPar0002N", "no"}};
 
 const PARAMETERS table[] = {
-    {3, "third", "t", 0, parameterTypes::path},
-    {1, "first", "s", 1, parameterTypes::string, yesNo, 2},
-    {2, "second", "first", 0, parameterTypes::unsignedInteger},
-    {4, "fourth", "", 0, parameterTypes::none, yesNo, 2},
+    {3, "third", "t", 0, pathValue},
+    {1, "first", "s", 1, stringValue, yesNo, 2},
+    {2, "second", "first", 0, unsignedValue},
+    {4, "fourth", "", 0, noValue, yesNo, 2},
 };
 
 std::vector<std::uint32_t> idsOf(const CParameterscmd& params) {
@@ -31,8 +31,7 @@ TEST(Parameterscmd, RowsAreWalkedInTheOrderOfIds) {
 }
 
 TEST(Parameterscmd, TheFirstRowWithAnIdWins) {
-    const PARAMETERS twice[] = {
-        {1, "one", "o", 0, parameterTypes::none}, {1, "uno", "u", 0, parameterTypes::none}};
+    const PARAMETERS twice[] = {{1, "one", "o", 0, noValue}, {1, "uno", "u", 0, noValue}};
     const CParameterscmd params(twice, 2);
     EXPECT_EQ(params.size(), 1U);
     EXPECT_EQ(params.find("one")->second.alias, "o");
@@ -54,8 +53,7 @@ TEST(Parameterscmd, ACountOfZeroGivesAnEmptyTable) {
 
 TEST(Parameterscmd, AddParametersKeepsWhatIsThere) {
     CParameterscmd params(table, 2);
-    const PARAMETERS more[] = {
-        {1, "other", "x", 0, parameterTypes::none}, {9, "ninth", "n", 0, parameterTypes::none}};
+    const PARAMETERS more[] = {{1, "other", "x", 0, noValue}, {9, "ninth", "n", 0, noValue}};
     params.addParameters(more, 2);
     EXPECT_EQ(idsOf(params), (std::vector<std::uint32_t>{1, 3, 9}));
     EXPECT_EQ(params.find("first")->second.id, 1U);
@@ -77,17 +75,17 @@ TEST(Parameterscmd, ANameThatIsAlsoAnAliasResolvesToTheLowerId) {
 
 TEST(Parameterscmd, ParameterTypes) {
     const CParameterscmd params(table, 4);
-    EXPECT_EQ(params.parameterType("T"), parameterTypes::path);
-    EXPECT_EQ(params.parameterType("second"), parameterTypes::unsignedInteger);
-    EXPECT_EQ(params.parameterType("unknown"), parameterTypes::none) << "as a flag";
+    EXPECT_EQ(params.parameterType("T"), pathValue);
+    EXPECT_EQ(params.parameterType("second"), unsignedValue);
+    EXPECT_EQ(params.parameterType("unknown"), noValue) << "as a flag";
 }
 
 TEST(Parameterscmd, TypeWords) {
     const CParameterscmd params;
-    EXPECT_STREQ(params.usageStringFor(parameterTypes::none), "none");
-    EXPECT_STREQ(params.usageStringFor(parameterTypes::string), "string");
-    EXPECT_STREQ(params.usageStringFor(parameterTypes::path), "string");
-    EXPECT_STREQ(params.usageStringFor(parameterTypes::unsignedInteger), "unsigned integer");
+    EXPECT_STREQ(params.usageStringFor(noValue), "none");
+    EXPECT_STREQ(params.usageStringFor(stringValue), "string");
+    EXPECT_STREQ(params.usageStringFor(pathValue), "string");
+    EXPECT_STREQ(params.usageStringFor(unsignedValue), "unsigned integer");
     EXPECT_STREQ(params.usageStringFor(static_cast<parameterTypes>(17)), "none");
 }
 
@@ -96,11 +94,11 @@ TEST(Parameterscmd, AllowedValuesAreListedForOptionsThatTakeAValue) {
     EXPECT_EQ(params.usageStringFor(table[1]), " [ yes | no ]");
     EXPECT_EQ(params.usageStringFor(table[0]), "");
     EXPECT_EQ(params.usageStringFor(table[3]), "") << "a flag takes no value";
-    const PARAMETERS only{5, "fifth", "", 0, parameterTypes::string, yesNo, 1};
+    const PARAMETERS only{5, "fifth", "", 0, stringValue, yesNo, 1};
     EXPECT_EQ(params.usageStringFor(only), " [ yes ]");
-    const PARAMETERS noCount{5, "fifth", "", 0, parameterTypes::string, yesNo, 0};
+    const PARAMETERS noCount{5, "fifth", "", 0, stringValue, yesNo, 0};
     EXPECT_EQ(params.usageStringFor(noCount), "");
-    const PARAMETERS noValues{5, "fifth", "", 0, parameterTypes::string, nullptr, 2};
+    const PARAMETERS noValues{5, "fifth", "", 0, stringValue, nullptr, 2};
     EXPECT_EQ(params.usageStringFor(noValues), "");
 }
 
@@ -113,9 +111,9 @@ TEST(Parameterscmd, UsageStringBreaksBeforeColumn80) {
 
 TEST(Parameterscmd, UsageStringFillsALineTo79Columns) {
     const PARAMETERS rows[] = {
-        {1, std::string(50, 'a'), "", 0, parameterTypes::none},
-        {2, std::string(16, 'b'), "", 0, parameterTypes::none},
-        {3, "c", "", 0, parameterTypes::none},
+        {1, std::string(50, 'a'), "", 0, noValue},
+        {2, std::string(16, 'b'), "", 0, noValue},
+        {3, "c", "", 0, noValue},
     };
     const std::string text = CParameterscmd(rows, 3).usageString();
     EXPECT_EQ(text.find('\n'), 79U);
@@ -128,8 +126,7 @@ std::vector<std::size_t> linesOf(const std::vector<std::size_t>& lengths) {
     CParameterscmd params;
     for (const std::size_t length : lengths) {
         const std::string name(length - std::string("- none").size(), 'a');
-        const PARAMETERS row{
-            static_cast<std::uint32_t>(params.size()), name, "", 0, parameterTypes::none};
+        const PARAMETERS row{static_cast<std::uint32_t>(params.size()), name, "", 0, noValue};
         params.addParameters(&row, 1);
     }
     std::istringstream text(params.usageString());

@@ -175,7 +175,7 @@ def is_known(command):
 
 
 def source_texts():
-    for pattern in ("driver/*", "hostmgmt/*", "cmdframework/*", "platform/**/*"):
+    for pattern in ("driver/*", "hostmgmt/**/*", "cmdframework/*", "platform/**/*"):
         for path in TOP.glob(pattern):
             if path.suffix in (".h", ".cpp"):
                 yield path.read_text()

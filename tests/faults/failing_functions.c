@@ -1,32 +1,55 @@
-/* Functions of the C library and of jansson that fail. */
+/* Functions of the C library, jansson, libcurl and OpenSSL that fail. */
 
 #define _GNU_SOURCE
-#include "plan.h"
+#include "fault_plan.h"
 
-#include <dirent.h>
+#include <curl/curl.h>
+#include <dlfcn.h>
 #include <errno.h>
 #include <fcntl.h>
 #include <jansson.h>
 #include <locale.h>
+#include <openssl/ssl.h>
 #include <poll.h>
 #include <pwd.h>
-#include <signal.h>
 #include <stdarg.h>
 #include <stdio.h>
-#include <string.h>
-#include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#undef curl_easy_getinfo
+#undef curl_easy_setopt
+
 /* FAILING(TYPE, NAME, (PARAMETERS), (ARGUMENTS), FAILURE): NAME fails with the value FAILURE, an
    expression that may set errno. */
 #define FAILING(type, name, parameters, arguments, failure)                                        \
+    FAILING_AS(name, type, name, parameters, arguments, failure)
+
+/* FAILING_AS(FUNCTION, ...): counted as a call of FUNCTION, which NAME stands for. */
+#define FAILING_AS(function_name, type, name, parameters, arguments, failure)                      \
     type name parameters;                                                                          \
+    type name parameters {                                                                         \
+        static struct call call = {#function_name, 0, NULL};                                       \
+        static void* function;                                                                     \
+        if (fails(&call)) {                                                                        \
+            return failure;                                                                        \
+        }                                                                                          \
+        return ((type(*) parameters)real(&function, #name))arguments;                              \
+    }
+
+/* FAILING_VARIADIC(TYPE, NAME, (PARAMETERS, ...), LAST, EXTRA, (ARGUMENTS, extra), FAILURE): the same
+   for a function with at most one argument more, of the type EXTRA. An argument that is not there is
+   read and passed on all the same, and ignored by the function. */
+#define FAILING_VARIADIC(type, name, parameters, last, extra_type, arguments, failure)             \
     type name parameters {                                                                         \
         static struct call call = {#name, 0, NULL};                                                \
         static void* function;                                                                     \
+        va_list list;                                                                              \
+        va_start(list, last);                                                                      \
+        const extra_type extra = va_arg(list, extra_type);                                         \
+        va_end(list);                                                                              \
         if (fails(&call)) {                                                                        \
             return failure;                                                                        \
         }                                                                                          \
@@ -39,174 +62,97 @@ FAILING(
     NULL)
 FAILING(
     char*, bindtextdomain, (const char* domain, const char* directory), (domain, directory), NULL)
-FAILING(char*, dgettext, (const char* domain, const char* text), (domain, text), (char*)text)
 FAILING(int, close, (int file), (file), (errno = EIO, -1))
+FAILING(char*, dgettext, (const char* domain, const char* text), (domain, text), (char*)text)
+FAILING_VARIADIC(
+    int, fcntl, (int file, int command, ...), command, unsigned long, (file, command, extra),
+    (errno = EINVAL, -1))
 FAILING(int, fstat, (int file, struct stat* facts), (file, facts), (errno = EIO, -1))
+FAILING(int, ftruncate, (int file, off_t size), (file, size), (errno = EIO, -1))
 FAILING(
     int, getpwuid_r,
     (uid_t user, struct passwd* entry, char* buffer, size_t size, struct passwd** found),
     (user, entry, buffer, size, found), (*found = NULL, EIO))
-FAILING(int, closedir, (DIR * folder), (folder), (errno = EIO, -1))
-FAILING(DIR*, fdopendir, (int file), (file), (errno = ENOMEM, NULL))
-FAILING(int, ftruncate, (int file, off_t size), (file, size), (errno = EIO, -1))
-FAILING(off_t, lseek, (int file, off_t place, int from), (file, place, from), (errno = ESPIPE, -1))
-FAILING(struct dirent*, readdir, (DIR * folder), (folder), (errno = EIO, NULL))
 FAILING(int, isatty, (int file), (file), (errno = EIO, 0))
-FAILING(int, lstat, (const char* path, struct stat* facts), (path, facts), (errno = EACCES, -1))
+FAILING(off_t, lseek, (int file, off_t place, int from), (file, place, from), (errno = ESPIPE, -1))
+FAILING_VARIADIC(
+    int, open, (const char* path, int flags, ...), flags, mode_t, (path, flags, extra),
+    (errno = EMFILE, -1))
+FAILING_AS(
+    open, int, __open_2, (const char* path, int flags), (path, flags), (errno = EMFILE, -1))
 FAILING(
-    int, madvise, (void* memory, size_t size, int advice), (memory, size, advice),
+    int, poll, (struct pollfd * files, nfds_t count, int wait), (files, count, wait),
+    (errno = ENOMEM, -1))
+FAILING_VARIADIC(
+    int, prctl, (int option, ...), option, unsigned long, (option, extra, 0UL, 0UL, 0UL),
     (errno = EINVAL, -1))
-int poll(struct pollfd* files, nfds_t count, int wait) {
-    static struct call call = {"poll", 0, NULL};
-    static void* function;
-    if (fails(&call)) {
-        errno = ENOMEM;
-        return -1;
-    }
-    leave_copy();
-    return ((int (*)(struct pollfd*, nfds_t, int))real(&function, "poll"))(files, count, wait);
-}
-
-ssize_t read(int file, void* to, size_t size) {
-    static struct call call = {"read", 0, NULL};
-    static void* function;
-    if (fails(&call)) {
-        errno = EIO;
-        return -1;
-    }
-    if (file == STDIN_FILENO) {
-        leave_copy();
-    }
-    return ((ssize_t(*)(int, void*, size_t))real(&function, "read"))(file, to, size);
-}
-
-FAILING(
-    ssize_t, readlink, (const char* path, char* to, size_t size), (path, to, size),
-    (errno = EACCES, -1))
+FAILING(ssize_t, read, (int file, void* to, size_t size), (file, to, size), (errno = EIO, -1))
 FAILING(char*, setlocale, (int category, const char* name), (category, name), NULL)
-FAILING(
-    int, sigtimedwait, (const sigset_t* set, siginfo_t* facts, const struct timespec* wait),
-    (set, facts, wait), (errno = EINTR, -1))
 FAILING(
     int, socket, (int domain, int type, int protocol), (domain, type, protocol),
     (errno = EMFILE, -1))
-FAILING(char*, strdup, (const char* text), (text), (errno = ENOMEM, NULL))
+FAILING(
+    int, vsnprintf, (char* to, size_t size, const char* format, va_list arguments),
+    (to, size, format, arguments), (errno = ENOMEM, -1))
+FAILING_AS(
+    vsnprintf, int, __vsnprintf_chk,
+    (char* to, size_t size, int flag, size_t room, const char* format, va_list arguments),
+    (to, size, flag, room, format, arguments), (errno = ENOMEM, -1))
 FAILING(
     ssize_t, write, (int file, const void* from, size_t size), (file, from, size),
     (errno = ENOSPC, -1))
 
-FAILING(json_t*, json_object, (void), (), NULL)
-FAILING(json_t*, json_string, (const char* text), (text), NULL)
-FAILING(
-    int, json_object_set_new, (json_t * object, const char* key, json_t* value),
-    (object, key, value), -1)
-FAILING(int, json_string_set, (json_t * string, const char* text), (string, text), -1)
-FAILING(char*, json_dumps, (const json_t* value, size_t flags), (value, flags), NULL)
+/* dlerror() gives the reason of the real function's failure. The module is found in this library's
+   directory, which is the tool's. */
+void* dlopen(const char* name, int mode) {
+    static struct call call = {"dlopen", 0, NULL};
+    static void* function;
+    const char* path = fails(&call) ? "/dev/null/library" : name;
+    return ((void* (*)(const char*, int))real(&function, "dlopen"))(path, mode);
+}
+
 FAILING(
     int, json_dump_callback,
     (const json_t* value, json_dump_callback_t take, void* data, size_t flags),
     (value, take, data, flags), -1)
-/* What a copy of the process must not do. */
-#define LEAVING(type, name, parameters, arguments)                                                 \
-    type name parameters {                                                                         \
-        static void* function;                                                                     \
-        leave_copy();                                                                              \
-        return ((type(*) parameters)real(&function, #name))arguments;                              \
-    }
+FAILING(char*, json_dumps, (const json_t* value, size_t flags), (value, flags), NULL)
+FAILING(json_t*, json_object, (void), (), NULL)
+FAILING(
+    int, json_object_set_new, (json_t * object, const char* key, json_t* value),
+    (object, key, value), -1)
+FAILING(json_t*, json_string, (const char* text), (text), NULL)
+FAILING(int, json_string_set, (json_t * string, const char* text), (string, text), -1)
 
-LEAVING(int, connect, (int file, const struct sockaddr* to, socklen_t size), (file, to, size))
-LEAVING(ssize_t, recv, (int file, void* to, size_t size, int flags), (file, to, size, flags))
-LEAVING(
-    ssize_t, send, (int file, const void* from, size_t size, int flags), (file, from, size, flags))
-LEAVING(int, shutdown, (int file, int how), (file, how))
+/* The extra argument is a long, an off_t or a pointer, all of one size. */
+FAILING_VARIADIC(
+    CURLcode, curl_easy_getinfo, (CURL * handle, CURLINFO info, ...), info, uintptr_t,
+    (handle, info, extra), CURLE_UNKNOWN_OPTION)
+FAILING(
+    CURLHcode, curl_easy_header,
+    (CURL * handle, const char* name, size_t index, unsigned origin, int request,
+     struct curl_header** header),
+    (handle, name, index, origin, request, header), CURLHE_OUT_OF_MEMORY)
+FAILING(CURL*, curl_easy_init, (void), (), NULL)
+FAILING(CURLcode, curl_easy_perform, (CURL * handle), (handle), CURLE_OUT_OF_MEMORY)
+FAILING_VARIADIC(
+    CURLcode, curl_easy_setopt, (CURL * handle, CURLoption option, ...), option, uintptr_t,
+    (handle, option, extra), CURLE_OUT_OF_MEMORY)
+FAILING(CURLcode, curl_global_init, (long flags), (flags), CURLE_FAILED_INIT)
+FAILING(
+    struct curl_slist*, curl_slist_append, (struct curl_slist * list, const char* text),
+    (list, text), NULL)
+FAILING(CURLU*, curl_url, (void), (), NULL)
+FAILING(
+    CURLUcode, curl_url_set, (CURLU * url, CURLUPart part, const char* text, unsigned flags),
+    (url, part, text, flags), CURLUE_OUT_OF_MEMORY)
 
-/* Functions with a mode or an argument only sometimes. */
-
-int open(const char* path, int flags, ...) {
-    static struct call call = {"open", 0, NULL};
-    static void* function;
-    va_list arguments;
-    va_start(arguments, flags);
-    const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
-    va_end(arguments);
-    if (fails(&call)) {
-        errno = EMFILE;
-        return -1;
-    }
-    return ((int (*)(const char*, int, ...))real(&function, "open"))(path, flags, mode);
-}
-
-int openat(int folder, const char* path, int flags, ...) {
-    static struct call call = {"openat", 0, NULL};
-    static void* function;
-    va_list arguments;
-    va_start(arguments, flags);
-    const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
-    va_end(arguments);
-    if (fails(&call)) {
-        errno = EMFILE;
-        return -1;
-    }
-    return ((int (*)(int, const char*, int, ...))real(&function, "openat"))(
-        folder, path, flags, mode);
-}
-
-int prctl(int option, ...) {
-    static struct call call = {"prctl", 0, NULL};
-    static void* function;
-    va_list arguments;
-    va_start(arguments, option);
-    const unsigned long argument = va_arg(arguments, unsigned long);
-    va_end(arguments);
-    if (fails(&call)) {
-        errno = EINVAL;
-        return -1;
-    }
-    return ((int (*)(int, ...))real(&function, "prctl"))(option, argument, 0UL, 0UL, 0UL);
-}
-
-int __open_2(const char* path, int flags);
-int __open_2(const char* path, int flags) {
-    return open(path, flags);
-}
-
-int fcntl(int file, int command, ...) {
-    static struct call call = {"fcntl", 0, NULL};
-    static void* function;
-    va_list arguments;
-    va_start(arguments, command);
-    void* argument = va_arg(arguments, void*);
-    va_end(arguments);
-    if (fails(&call)) {
-        errno = EINVAL;
-        return -1;
-    }
-    return ((int (*)(int, int, ...))real(&function, "fcntl"))(file, command, argument);
-}
-
-static int format_fails(void) {
-    static struct call call = {"vsnprintf", 0, NULL};
-    if (!fails(&call)) {
-        return 0;
-    }
-    errno = ENOMEM;
-    return 1;
-}
-
-int vsnprintf(char* to, size_t size, const char* format, va_list arguments) {
-    static void* function;
-    return format_fails() ? -1
-                          : ((int (*)(char*, size_t, const char*, va_list))real(
-                                &function, "vsnprintf"))(to, size, format, arguments);
-}
-
-int __vsnprintf_chk(
-    char* to, size_t size, int flag, size_t room, const char* format, va_list arguments);
-int __vsnprintf_chk(
-    char* to, size_t size, int flag, size_t room, const char* format, va_list arguments) {
-    static void* function;
-    return format_fails()
-               ? -1
-               : ((int (*)(char*, size_t, int, size_t, const char*, va_list))real(
-                     &function, "__vsnprintf_chk"))(to, size, flag, room, format, arguments);
-}
+FAILING(
+    int, CRYPTO_get_ex_new_index,
+    (int class, long number, void* pointer, CRYPTO_EX_new* make, CRYPTO_EX_dup* copy,
+     CRYPTO_EX_free* release),
+    (class, number, pointer, make, copy, release), -1)
+FAILING(
+    int, OPENSSL_init_crypto, (uint64_t options, const OPENSSL_INIT_SETTINGS* settings),
+    (options, settings), 0)
+FAILING(
+    int, SSL_CTX_set_ex_data, (SSL_CTX * context, int index, void* data), (context, index, data), 0)

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Lets every call of the tool fail, run by run, and checks what comes of it; see README.md."""
+"""Makes every call of the tool fail, run by run, and checks the outcome; see README.md."""
 
 import argparse
 import collections
@@ -13,12 +13,11 @@ import sys
 import time
 
 import faults
-import scenes
-import verdict
+import oracle
+import scenarios
 
-FOLDER = pathlib.Path(__file__).resolve().parent
-BATCH = 100
-# What a fault may take away without the run failing: the language, the zone, the input.
+CASES = pathlib.Path(__file__).resolve().with_name("scenarios.toml")
+# What a fault may take away without the run failing: the language, the time zone.
 WITHOUT = ({"LANGUAGE": None}, {"TZ": "UTC0"})
 
 
@@ -31,107 +30,48 @@ def arguments():
     parser.add_argument("--scenario", default="*", help="only those whose name matches")
     parser.add_argument("--share", type=int, default=1, metavar="N", help="every Nth fault only")
     parser.add_argument("--jobs", type=int, default=2)
-    parser.add_argument("--scenarios", default=FOLDER / "scenarios.toml", help=argparse.SUPPRESS)
     return parser.parse_args()
 
 
-class Worker:
-    """A process's host with the scene it was last asked for."""
-
-    def __init__(self, options):
-        self.options = options
-        self.rows = scenes.load_scenarios(options.scenarios)
-        self.host = scenes.Host(options.tool, options.devserver)
-        self._place = None
-
-    def scene(self, place):
-        """The scene and the clean runs of a scenario."""
-        if place != self._place:
-            self._scene = scenes.Scene(self.host, *self.rows[place])
-            self._clean = clean_runs(self._scene)
-            self._place = place
-        return self._scene, self._clean
-
-    def system_faults(self, place, share):
-        """Every Nth fault of the scenario, from another one on than in the next."""
-        every = sorted(faults.system_faults(*self.scene(place)), key=lambda fault: fault.for_good)
-        return every[place % share :: share]
-
-    def walk(self, place, kind, share):
-        """How many faults did no harm in a copy of the run; what was wrong; the other faults."""
-        scene, clean = self.scene(place)
-        outcome, copies = faults.walk(kind, scene, clean, self.options.shim, share, place % share)
-        found = verdict.problems(outcome, clean, scene.token)
-        wrong = [("the run whose copies met the faults", each) for each in found]
-        if not copies or not clean.shows(outcome):
-            wrong.append(("the run whose copies met the faults", repr(outcome.seen())))
-        left = [fault for fault, copy in copies if not self._is_harmless(fault, copy)]
-        return len(copies) - len(left), wrong, left
-
-    def _is_harmless(self, fault, copy):
-        """Whether a copy tells by itself that all is well: it failed, and said so."""
-        if copy.status in (0, faults.UNDECIDED):
-            return False
-        return not verdict.problems(copy, self._clean, self._scene.token, fault)
-
-    def inject(self, place, batch):
-        """How many faults of the batch were met, and what was wrong: pairs of fault and problem."""
-        scene, clean = self.scene(place)
-        met, wrong = 0, []
-        for fault in batch:
-            outcome = faults.run(scene, fault, self.options.shim)
-            met += outcome.injected
-            found = verdict.problems(outcome, clean, scene.token, fault,
-                                     "-apvmappings" in scene.case["args"],
-                                     "LANGUAGE" in scene.case["environment"])  # fmt: skip
-            wrong += [(str(fault), f"{each}: {outcome.err[-200:]!r}") for each in found]
-        return met, wrong
-
-
-def clean_runs(scene):
-    """The undisturbed runs; they must be as the scenario says."""
-    first = scene.run()
-    expected = scene.case.get("status", 0), len(scene.case["replies"])
-    if (first.status, len(first.requests)) != expected:
-        raise RuntimeError(f"{scene.case['name']}: {first.seen()}")
-    found = verdict.problems(first, verdict.Clean(first), scene.token)
-    if found:
-        raise RuntimeError(f"{scene.case['name']}: {found}")
-    others = [scene.run(variables=variables) for variables in WITHOUT]
-    return verdict.Clean(first, [*others, scene.run(stdin=b"")])
-
-
-worker = None
+def expected_outcomes(scenario):
+    """Runs the scenario undisturbed; the outcome must be the one in its case."""
+    first = scenario.run()
+    stated = scenario.case.get("status", 0), len(scenario.case["replies"])
+    found = oracle.problems(first, oracle.Expected(scenario, first))
+    if (first.status, len(first.requests)) != stated or found:
+        raise RuntimeError(f"{scenario.case['name']}: {found} {first.visible()}")
+    others = [scenario.run(variables=variables) for variables in WITHOUT]
+    return oracle.Expected(scenario, first, [*others, scenario.run(stdin=b"")])
 
 
 def start_worker(options):
-    global worker
+    global host
     signal.signal(signal.SIGINT, signal.SIG_IGN)
-    worker = Worker(options)
+    host = scenarios.Host(options.tool, options.devserver)
     # multiprocessing ends its workers without atexit, but with this.
-    multiprocessing.util.Finalize(worker, worker.host.close, exitpriority=10)
+    multiprocessing.util.Finalize(host, host.close, exitpriority=10)
 
 
-def first_step(task):
-    """Of the system calls the faults, of the rest what is left after a walk."""
-    place, kind, share = task
-    if kind == "system":
-        return place, kind, 0, [], worker.system_faults(place, share)
-    return place, kind, *worker.walk(place, kind, share)
+def inject(task):
+    """Injects every Nth fault of a kind into a scenario, from a different one on in each scenario.
 
-
-def second_step(task):
-    place, kind, batch = task
-    return place, kind, *worker.inject(place, batch)
-
-
-def batches(place, kind, left):
-    for begin in range(0, len(left), BATCH):
-        yield place, kind, left[begin : begin + BATCH]
+    Returns the task's place and kind, how many faults were met, and pairs of fault and problem.
+    """
+    place, kind, row, options = task
+    scenario = scenarios.Scenario(host, *row)
+    expected = expected_outcomes(scenario)
+    every = faults.every(kind, scenario, expected, options.shim)
+    met, wrong = 0, []
+    for fault in every[place % options.share :: options.share]:
+        outcome = faults.run(scenario, fault, options.shim)
+        met += outcome.injected
+        found = oracle.problems(outcome, expected, fault)
+        wrong += [(str(fault), f"{each}: {outcome.err[-200:]!r}") for each in found]
+    return place, kind, met, wrong
 
 
 class Report:
-    """Counts by scenario and kind, and the faults that the tool did not stand."""
+    """Counts by scenario and kind, and the faults whose outcome was not the expected one."""
 
     def __init__(self, names):
         self._names = names
@@ -148,37 +88,32 @@ class Report:
         return self._met.total()
 
     def show(self):
-        widths = max(map(len, self._names))
-        print(f"{'':{widths}}", *(f"{kind:>10}" for kind in faults.KINDS))
-        rows = [*enumerate(self._names), (None, "all")]
-        for place, name in rows:
+        width = max(map(len, self._names))
+        print(f"{'':{width}}", *(f"{kind:>10}" for kind in faults.KINDS))
+        for place, name in [*enumerate(self._names), (None, "all")]:
             counts = [
                 sum(count for (where, what), count in self._met.items()
                     if what == kind and place in (where, None))
                 for kind in faults.KINDS
             ]  # fmt: skip
             if any(counts):
-                print(f"{name:{widths}}", *(f"{count:>10}" for count in counts))
+                print(f"{name:{width}}", *(f"{count:>10}" for count in counts))
 
 
-def run_all(options):
-    """Injects what was asked for; the report."""
-    rows = scenes.load_scenarios(options.scenarios)
+def inject_all(options):
+    """Injects the faults that the options select; returns the report."""
+    rows = scenarios.load(CASES)
     names = [case["name"] for case, *_ in rows]
-    places = [place for place, name in enumerate(names) if fnmatch.fnmatch(name, options.scenario)]
-    kinds = options.kind or faults.KINDS
-    tasks = [(place, kind, options.share) for kind in kinds for place in places]
+    tasks = [
+        (place, kind, rows[place], options)
+        for kind in options.kind or faults.KINDS
+        for place, name in enumerate(names)
+        if fnmatch.fnmatch(name, options.scenario)
+    ]
     report = Report(names)
     with multiprocessing.Pool(options.jobs, start_worker, (options,)) as pool:
-        left = []
-        for place, kind, met, wrong, rest in pool.imap_unordered(first_step, tasks, 1):
-            report.add(place, kind, met, wrong)
-            left += batches(place, kind, rest)
-        runs = sum(len(batch) for _, _, batch in left)
-        print(f"{report.total()} faults in copies of runs, {runs} more in runs", flush=True)
-        left.sort(key=lambda batch: batch[0])  # scene by scene
-        for place, kind, met, wrong in pool.imap_unordered(second_step, left, 1):
-            report.add(place, kind, met, wrong)
+        for result in pool.imap_unordered(inject, tasks, 1):
+            report.add(*result)
         pool.close()
         pool.join()
     return report
@@ -189,7 +124,7 @@ def main():
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
     began = time.monotonic()
-    report = run_all(options)
+    report = inject_all(options)
     report.show()
     print(f"{report.total()} faults in {time.monotonic() - began:.0f} s, {report.wrong} problems")
     return 1 if report.wrong or not report.total() else 0

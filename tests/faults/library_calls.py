@@ -4,45 +4,32 @@ import pathlib
 import re
 import subprocess
 
-SOURCES = pathlib.Path(__file__).resolve().parent.parent.parent
-FUNCTION_TABLE = SOURCES / "platform" / "https" / "ClientLibraries.cpp"
-
 CANNOT_FAIL = {
     "computes from its arguments alone": """
-        memchr memcmp memcpy memmove memset __memcpy_chk __memmove_chk __memset_chk strcasecmp
-        strcasecmp_l strcasestr strcmp strlen strncmp strnlen strrchr strchr strtoul inet_pton
+        memchr memcmp memcpy memmove memset __memcpy_chk __memmove_chk __memset_chk strcasecmp_l
+        strcasestr strcmp strlen strncmp strnlen strrchr strchr strtoul __isoc23_strtoul inet_pton
         json_array_get json_array_size json_integer_value json_object_get json_string_length
-        json_string_value sigaddset sigemptyset strerror __errno_location SSL_get_SSL_CTX
-        curl_easy_strerror dlerror""",
-    "gives back or resets": """
-        free json_delete json_get_alloc_funcs json_set_alloc_funcs curl_easy_cleanup
-        curl_easy_reset curl_url_cleanup curl_slist_free_all SSL_CTX_set_info_callback""",
+        json_string_value __errno_location SSL_get_SSL_CTX curl_easy_strerror dlerror""",
+    "releases or resets": """
+        free json_delete curl_easy_cleanup curl_easy_reset curl_url_cleanup curl_slist_free_all
+        SSL_CTX_set_info_callback""",
     "returns a constant": "json_true json_false",
-    "reads what the process has; nothing found is an ordinary result": """
+    "reads the process's own data; nothing found is an ordinary result": """
         getenv secure_getenv geteuid getpid""",
-    "fails for a wrong argument alone, and this one is right": """
-        clock_gettime time pthread_sigmask unsetenv tzset SSL_CTX_get_ex_data""",
+    "fails for a wrong argument only, and this one is right": """
+        clock_gettime time signal unsetenv tzset SSL_CTX_get_ex_data""",
     "a year that does not fit is shown as an empty date; other times do not fail": "localtime_r",
     "returns 0 only for a buffer too small, and it is large enough": "strftime",
-    "fails for a text that is no JSON; without memory jansson throws": "json_loads json_loadb",
-    "ends the process": "__assert_fail abort _exit",
-    "one thread: nothing to wait for": """
-        pthread_mutex_lock pthread_mutex_unlock pthread_once __pthread_key_create
-        pthread_key_create pthread_getspecific pthread_setspecific __tls_get_addr
-        __libc_single_threaded syscall""",
+    "fails for a text that is not JSON; out of memory is jansson's own matter": "json_loadb",
+    "finds the one function that the module of the same build exports": "dlsym",
+    "returns the C locale, which always exists": "newlocale",
     "the compiler's and the C library's own": """
-        _ITM_deregisterTMCloneTable _ITM_registerTMCloneTable __gmon_start__ __cxa_atexit
-        __cxa_finalize __libc_start_main __stack_chk_fail _dl_find_object __isoc23_strtoul""",
-    "gives the one C locale, which is always there": "newlocale",
-    "of the C++ library: other locales and wide characters, which the program does not use": """
-        __ctype_get_mb_cur_max __duplocale __freelocale __iswctype_l __newlocale __nl_langinfo_l
-        __strcoll_l __strftime_l __strtod_l __strtof_l __strxfrm_l __towlower_l __towupper_l
-        __uselocale __wcscoll_l __wcsftime_l __wcsxfrm_l __wctype_l btowc gettext iconv iconv_close
-        iconv_open mbrtowc mbsnrtowcs mbsrtowcs sprintf strtold_l uselocale wcrtomb wcscmp
-        wcslen wcsnrtombs wctob wmemchr wmemcpy wmemmove wmemset""",
-    "of the C++ library: what it prints when the process is aborted": "fputc fputs fwrite stderr",
+        _ITM_deregisterTMCloneTable _ITM_registerTMCloneTable __gmon_start__ __libc_start_main
+        __stack_chk_fail""",
 }
 NAMED = {name for names in CANNOT_FAIL.values() for name in names.split()}
+# A C++ function fails by an exception, of which std::bad_alloc from `operator new` is injected.
+CPLUSPLUS = re.compile(r"_Z(?!n|N6ACE_OS6malloc)|__cxa_|__gxx_|_Unwind_")
 
 
 def symbols(path, *options):
@@ -52,18 +39,14 @@ def symbols(path, *options):
     return {line.split()[-1].partition("@")[0] for line in lines.splitlines()}
 
 
-def called(tool):
-    """Every function that the tool is linked with or looks up when it makes a request."""
-    looked_up = re.findall(r"AKHOSTMGMT_FIND\(\w+, (\w+)\)", FUNCTION_TABLE.read_text())
-    return symbols(tool, "--undefined-only") | set(looked_up)
+def called(program):
+    """The C functions and allocations that a program and its module, if any, are linked with."""
+    module = pathlib.Path(program).with_name("libarkeon-https.so")
+    files = [program, module] if module.exists() else [program]
+    names = set().union(*(symbols(file, "--undefined-only") for file in files))
+    return {name for name in names if not CPLUSPLUS.match(name)}
 
 
-def made_to_fail(shim):
-    """Every function that the preloaded library stands in for."""
-    source = (pathlib.Path(__file__).parent / "failing_libraries.c").read_text()
-    return symbols(shim, "--defined-only") | set(re.findall(r"ENTRY\((\w+)\)", source))
-
-
-def unknown(tool, shim):
-    """The functions that the tool calls and that are neither made to fail nor named here."""
-    return called(tool) - made_to_fail(shim) - NAMED
+def unknown(program, shim):
+    """The functions that the program calls and that neither fail in the shim nor are named here."""
+    return called(program) - symbols(shim, "--defined-only") - NAMED

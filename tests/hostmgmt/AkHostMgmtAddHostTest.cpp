@@ -1,4 +1,4 @@
-#include "hostmgmt/AkHostMgmtAddHost.h"
+#include "hostmgmt/operations/AkHostMgmtAddHost.h"
 
 #include "support/OptionTable.h"
 #include "support/StandardInput.h"
@@ -49,8 +49,7 @@ void expectDeclined(const std::string& answers, const std::string& retries = "")
 
 TEST(AddHostTable, HoldsTheOptionsInTheirOrder) {
     expectTable<AkHostMgmtAddHost>(
-        "-addhost",
-        {{"server", "s"}, {"host", "n"}, {"reason", "r"}, {"help", "h", parameterTypes::none}});
+        "-addhost", {{"server", "s"}, {"host", "n"}, {"reason", "r"}, {"help", "h", noValue}});
 }
 
 TEST(AddHostArguments, TheOperationIsNamedAsItIsGiven) {

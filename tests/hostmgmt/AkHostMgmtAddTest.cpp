@@ -1,4 +1,4 @@
-#include "hostmgmt/AkHostMgmtAdd.h"
+#include "hostmgmt/operations/AkHostMgmtAdd.h"
 
 #include "support/OptionTable.h"
 #include "support/TestChange.h"
@@ -15,9 +15,9 @@ TEST(AddTable, HoldsTheOptionsInTheirOrder) {
                  {"hostid", "i"},
                  {"host", "n"},
                  {"mappingname", "hm"},
-                 {"isshared", "is", parameterTypes::none},
+                 {"isshared", "is", noValue},
                  {"reason", "r"},
-                 {"help", "h", parameterTypes::none}});
+                 {"help", "h", noValue}});
 }
 
 TEST(AddArguments, TheOperationIsNamedAsItIsGiven) {

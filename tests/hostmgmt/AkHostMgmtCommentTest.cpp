@@ -1,4 +1,4 @@
-#include "hostmgmt/AkHostMgmtComment.h"
+#include "hostmgmt/operations/AkHostMgmtComment.h"
 
 #include "support/OptionTable.h"
 #include "support/TestChange.h"
@@ -16,7 +16,7 @@ TEST(CommentTable, HoldsTheOptionsInTheirOrder) {
                         {"hostid", "i"},
                         {"host", "n"},
                         {"comment", "c"},
-                        {"help", "h", parameterTypes::none}});
+                        {"help", "h", noValue}});
 }
 
 TEST(CommentOperation, IsToldFromTheNameAndLoggedWithTwoDifferentLabels) {

@@ -1,4 +1,4 @@
-#include "hostmgmt/AkHostMgmtDelete.h"
+#include "hostmgmt/operations/AkHostMgmtDelete.h"
 
 #include "support/OptionTable.h"
 #include "support/TestChange.h"
@@ -16,7 +16,7 @@ TEST(DeleteTable, HoldsTheOptionsInTheirOrder) {
                     {"host", "n"},
                     {"mappingname", "hm"},
                     {"reason", "r"},
-                    {"help", "h", parameterTypes::none}});
+                    {"help", "h", noValue}});
 }
 
 TEST(DeleteArguments, TheOperationIsNamedAsItIsGiven) {
@@ -64,15 +64,15 @@ TEST(DeleteArguments, TheLimitsThemselvesPass) {
 
 TEST(DeleteRequest, IsADeleteOfTheMappingAndNamesItFirst) {
     const Change run = change<AkHostMgmtDelete>(
-        {"-d", "-n", "h", "-hm", ".."}, {foundHost("ID"), FakeReply{0, 204, ""}});
+        {"-d", "-n", "h", "-hm", "a b"}, {foundHost("ID"), FakeReply{0, 204, ""}});
     ASSERT_EQ(run.requests.size(), 2U);
     EXPECT_EQ(run.requests[1].method, "DELETE");
-    EXPECT_EQ(run.requests[1].uri, "arkeon/config/hosts/ID/hostmappings/%2E%2E");
+    EXPECT_EQ(run.requests[1].uri, "arkeon/config/hosts/ID/hostmappings/a%20b");
     EXPECT_EQ(run.requests[1].body, "");
     EXPECT_TRUE(run.requests[1].withToken);
     EXPECT_EQ(run.result, 0);
-    EXPECT_EQ(run.out, "Mapping between .. and ID is removed.\n");
-    EXPECT_EQ(run.log.back(), "2 Mapping between .. and ID is removed.");
+    EXPECT_EQ(run.out, "Mapping between a b and ID is removed.\n");
+    EXPECT_EQ(run.log.back(), "2 Mapping between a b and ID is removed.");
 }
 
 TEST(DeleteRequest, OfAMappingThatIsNotThereHasItsOwnStatus) {

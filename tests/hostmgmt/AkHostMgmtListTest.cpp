@@ -40,14 +40,14 @@ TEST(ListTable, HoldsTheOptionsInTheirOrder) {
         "-list", {{"server", "s"},
                   {"hostid", "i"},
                   {"host", "n"},
-                  {"short", "l", parameterTypes::none},
-                  {"json", "j", parameterTypes::none},
-                  {"json_compact", "jc", parameterTypes::none},
-                  {"approved", "ap", parameterTypes::none},
-                  {"pending", "p", parameterTypes::none},
-                  {"conflict", "cf", parameterTypes::none},
-                  {"apvmappings", "am", parameterTypes::none},
-                  {"help", "h", parameterTypes::none}});
+                  {"short", "l", noValue},
+                  {"json", "j", noValue},
+                  {"json_compact", "jc", noValue},
+                  {"approved", "ap", noValue},
+                  {"pending", "p", noValue},
+                  {"conflict", "cf", noValue},
+                  {"apvmappings", "am", noValue},
+                  {"help", "h", noValue}});
 }
 
 TEST(ListArguments, TheOperationIsNamedAsItIsGiven) {

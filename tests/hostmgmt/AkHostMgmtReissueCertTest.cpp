@@ -1,4 +1,4 @@
-#include "hostmgmt/AkHostMgmtReissueCert.h"
+#include "hostmgmt/operations/AkHostMgmtReissueCert.h"
 
 #include "support/OptionTable.h"
 #include "support/TestChange.h"
@@ -26,8 +26,8 @@ TEST(ReissueTable, HoldsTheOptionsInTheirOrder) {
                                   {"hostid", "i"},
                                   {"host", "n"},
                                   {"reason", "r"},
-                                  {"autoreissue", "ar", parameterTypes::unsignedInteger},
-                                  {"help", "h", parameterTypes::none}});
+                                  {"autoreissue", "ar", unsignedValue},
+                                  {"help", "h", noValue}});
 }
 
 TEST(ReissueArguments, TheOperationIsNamedAsItIsGiven) {

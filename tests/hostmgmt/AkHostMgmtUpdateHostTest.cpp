@@ -1,4 +1,4 @@
-#include "hostmgmt/AkHostMgmtUpdateHost.h"
+#include "hostmgmt/operations/AkHostMgmtUpdateHost.h"
 
 #include "support/OptionTable.h"
 #include "support/TestChange.h"
@@ -17,7 +17,7 @@ TEST(UpdateHostTable, HoldsTheOptionsInTheirOrder) {
                         {"host", "n"},
                         {"newhostname", "nh"},
                         {"reason", "r"},
-                        {"help", "h", parameterTypes::none}});
+                        {"help", "h", noValue}});
 }
 
 TEST(UpdateHostArguments, TheOperationIsNamedAsItIsGiven) {

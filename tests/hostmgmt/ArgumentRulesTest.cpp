@@ -1,12 +1,12 @@
 // What goes before a change is the same for the operations that change a host: the rules on which
 // host is meant, and its look-up.
 
-#include "hostmgmt/AkHostMgmtAdd.h"
-#include "hostmgmt/AkHostMgmtAddHost.h"
-#include "hostmgmt/AkHostMgmtComment.h"
-#include "hostmgmt/AkHostMgmtDelete.h"
-#include "hostmgmt/AkHostMgmtReissueCert.h"
-#include "hostmgmt/AkHostMgmtUpdateHost.h"
+#include "hostmgmt/operations/AkHostMgmtAdd.h"
+#include "hostmgmt/operations/AkHostMgmtAddHost.h"
+#include "hostmgmt/operations/AkHostMgmtComment.h"
+#include "hostmgmt/operations/AkHostMgmtDelete.h"
+#include "hostmgmt/operations/AkHostMgmtReissueCert.h"
+#include "hostmgmt/operations/AkHostMgmtUpdateHost.h"
 #include "support/TestChange.h"
 
 #include <gtest/gtest.h>

@@ -22,6 +22,17 @@ TEST(BaseOption, MembersAreSetAndReplaced) {
     EXPECT_EQ(test.operation.getJSONpayload(), R"({"hostName":"tw\"o\n","isShared":true})");
 }
 
+TEST(BaseOption, ATextThatIsNotUtf8IsRejectedWithItsKey) {
+    TestOperation test;
+    try {
+        test.operation.setJSONObject("hostName", "caf\xe9");
+        FAIL() << "accepted";
+    } catch (const CUsagecmd& failure) {
+        EXPECT_STREQ(failure.what(), "Invalid value supplied for option\nhostName");
+    }
+    EXPECT_EQ(test.operation.getJSONpayload(), "{}");
+}
+
 TEST(BaseOption, WithoutMemoryThereIsNoPayload) {
     TestOperation test;
     json_set_alloc_funcs([](std::size_t) -> void* { return nullptr; }, std::free);
@@ -50,16 +61,19 @@ TEST(BaseOption, AnUnreadableReplyGives7610AndLeavesNoPayload) {
 }
 
 TEST(BaseOption, ANulDoesNotEndAReply) {
-    TestOperation test;
-    EXPECT_EQ(test.operation.loadReply(std::string("{}\0x", 4)), 7610);
-    EXPECT_FALSE(test.operation.hasPayload());
-    EXPECT_EQ(test.operation.loadReply("{}"), 0);
-    EXPECT_TRUE(test.operation.hasPayload());
+    const LogLines lines;
+    JsonPayload payload(lines.log);
+    EXPECT_EQ(payload.load(std::string("{}\0x", 4)), 7610);
+    EXPECT_FALSE(payload);
+    EXPECT_EQ(payload.load("{}"), 0);
+    EXPECT_TRUE(payload);
 }
 
 TEST(BaseOption, IntegersAreReadOrLeftUntouched) {
     TestOperation test;
-    test.operation.loadJSON(R"({"n":-12,"big":5000000000,"text":"5","real":5.0,"null":null})");
+    ASSERT_EQ(
+        test.operation.loadJSON(R"({"n":-12,"big":5000000000,"text":"5","real":5.0,"null":null})"),
+        0);
     long value = 1;
     EXPECT_EQ(test.operation.getIntValue("n", value), 0);
     EXPECT_EQ(value, -12);
@@ -75,7 +89,7 @@ TEST(BaseOption, IntegersAreReadOrLeftUntouched) {
 
 TEST(BaseOption, TextsAreReadOrLeftUntouchedWithTheSameLogLine) {
     TestOperation test;
-    test.operation.loadJSON(R"({"s":"text","n":1,"null":null})");
+    ASSERT_EQ(test.operation.loadJSON(R"({"s":"text","n":1,"null":null})"), 0);
     std::string value = "before";
     for (const char* key : {"absent", "n", "null"}) {
         EXPECT_EQ(test.operation.getStringValue(key, value), 7610) << key;
@@ -93,24 +107,24 @@ TEST(BaseOption, GetURILogsTheUri) {
 }
 
 TEST(BaseOption, AnOptionIsReadUnderItsNameElseUnderItsAlias) {
-    const TestOperation byAlias({"-I", "alias"});
-    EXPECT_TRUE(byAlias.operation.isGiven(option::hostid));
-    EXPECT_EQ(byAlias.operation.valueOf(option::hostid), "alias");
-    const TestOperation both({"-i", "alias", "-hostid", "name"});
-    EXPECT_EQ(both.operation.valueOf(option::hostid), "name");
-    const TestOperation neither;
-    EXPECT_FALSE(neither.operation.isGiven(option::hostid));
-    EXPECT_EQ(neither.operation.valueOf(option::hostid), "");
+    const CArgscmd byAlias = parsed({"-I", "alias"});
+    EXPECT_TRUE(isGiven(byAlias, option::hostid));
+    EXPECT_EQ(valueOf(byAlias, option::hostid), "alias");
+    const CArgscmd both = parsed({"-i", "alias", "-hostid", "name"});
+    EXPECT_EQ(valueOf(both, option::hostid), "name");
+    const CArgscmd neither = parsed({});
+    EXPECT_FALSE(isGiven(neither, option::hostid));
+    EXPECT_EQ(valueOf(neither, option::hostid), "");
 }
 
 TEST(BaseOption, DestroyingAnOperationTakesTheLogsUseCountBelowZero) {
     LogLines lines;
-    EXPECT_EQ(CLogcmd::useCount(), 1U);
+    EXPECT_EQ(CLogcmd::use_count, 1U);
     {
         const BareOperation operation({}, lines.log);
-        EXPECT_EQ(CLogcmd::useCount(), 1U) << "its logs leave the count alone";
+        EXPECT_EQ(CLogcmd::use_count, 1U) << "its logs leave the count alone";
     }
-    EXPECT_EQ(CLogcmd::useCount(), 4294967295U) << "and each lowers it at its end";
+    EXPECT_EQ(CLogcmd::use_count, 4294967295U) << "and each lowers it at its end";
 }
 
 }  // namespace

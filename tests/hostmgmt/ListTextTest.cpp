@@ -1,6 +1,8 @@
-#include "hostmgmt/ListText.h"
+#include "hostmgmt/listing/ListText.h"
 
-#include "hostmgmt/ListLabels.h"
+#include "hostmgmt/Json.h"
+
+#include "hostmgmt/listing/ListLabels.h"
 #include "support/Environment.h"
 #include "support/Streams.h"
 

@@ -1,4 +1,4 @@
-#include "hostmgmt/LocalDate.h"
+#include "hostmgmt/listing/LocalDate.h"
 
 #include "support/Environment.h"
 

@@ -1,4 +1,4 @@
-#include "hostmgmt/RestResources.h"
+#include "hostmgmt/server/RestResources.h"
 
 #include <gtest/gtest.h>
 
@@ -48,7 +48,7 @@ TEST(RestResources, AHostIdIsUsedAsItIs) {
 }
 
 TEST(RestResources, TheMediaTypeNamesTheVersion) {
-    EXPECT_STREQ(MAX_VERSION, "6.0");
+    EXPECT_EQ(MAX_VERSION, "6.0");
     EXPECT_EQ(AK_MEDIA_TYPE_VERSION, "application/vnd.arkeon+json;version=6.0");
 }
 

@@ -64,10 +64,14 @@ TEST(ServerRequests, HostIdAndNameStandInDifferentOrdersInTheTwoFunctions) {
     TestOperation test;
     std::string response;
     int httpCode = 0;
-    test.operation.sendRequest(
-        OP_DELETE_MAPPING, CURL_DELETE, "", "name", "hostid", response, httpCode, USER_LOGIN);
-    test.operation.curlSendRequest(
-        OP_DELETE_MAPPING, "hostid", "name", CURL_DELETE, "", response, httpCode, USER_LOGIN);
+    EXPECT_EQ(
+        test.operation.sendRequest(
+            OP_DELETE_MAPPING, CURL_DELETE, "", "name", "hostid", response, httpCode, USER_LOGIN),
+        0);
+    EXPECT_EQ(
+        test.operation.curlSendRequest(
+            OP_DELETE_MAPPING, "hostid", "name", CURL_DELETE, "", response, httpCode, USER_LOGIN),
+        0);
     EXPECT_EQ(client.requests.at(0).uri, "arkeon/config/hosts/hostid/hostmappings/name");
     EXPECT_EQ(client.requests.at(1).uri, client.requests.at(0).uri);
     EXPECT_EQ(response, "b");
@@ -198,7 +202,21 @@ TEST(ServerRequests, ATransportFailureLeavesResponseAndCodeUntouched) {
     EXPECT_EQ(printed.err, lineOf(7621));
     EXPECT_TRUE(TestOperation::logged(
         "16 Failed to perform curl request for URI :arkeon/config/hosts/ID retval :7621"));
-    EXPECT_EQ(LogLines::lines().back(), "2 Http return code : 77, Response string : before");
+    EXPECT_EQ(LogLines::lines().back(), "2 Http return code : 0, Response string : ");
+}
+
+TEST(ServerRequests, AnEarlierHttpStatusDoesNotMakeAFailureASuccess) {
+    FakeClient client({{7625, 0, ""}});
+    TestOperation test;
+    std::string response;
+    int httpCode = 200;
+    const Printed printed = printedBy([&] {
+        EXPECT_EQ(
+            test.operation.sendRequest(
+                OP_HOST, CURL_PATCH, "{}", "", "ID", response, httpCode, USER_LOGIN),
+            7625);
+    });
+    EXPECT_EQ(printed.err, lineOf(7625));
 }
 
 TEST(ServerRequests, AServersErrorCodeIsShownAndReturned) {

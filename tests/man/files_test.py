@@ -24,7 +24,7 @@ EXAMPLE_SERVER, EXAMPLE_TOKEN = "primary.example.com", "TOKEN"
 LOG_FOLDER = "/usr/zelvik/arkeon/logs"
 # What the installation has besides the files of the platform.
 INSTALLED = {"/usr/share/akhostmgmt/statuses.json", "/usr/share/akhostmgmt/statuses.sh",
-             "../lib/akhostmgmt/libarkeon-curl.so"}  # fmt: skip
+             "../lib/akhostmgmt/libarkeon-https.so"}  # fmt: skip
 LAYERS = ("driver", "cmdframework", "hostmgmt", "platform")
 
 
@@ -165,16 +165,15 @@ class Contents(unittest.TestCase):
 
     def test_the_fixed_places_are_those_of_the_program(self):
         text = manual.code(*LAYERS)
-        for place in (LOG_FOLDER, "/usr/zelvik/arkeon", "../lib/akhostmgmt/libarkeon-curl.so"):
+        for place in (LOG_FOLDER, "/usr/zelvik/arkeon", "libarkeon-https.so"):
             self.assertIn(f'"{place}"', text)
         self.assertLessEqual(INSTALLED, set(documented("akhostmgmt.1")))
         for name in ("statuses.json", "statuses.sh"):
             self.assertTrue((manual.PROGRAMS.tables / name).is_file())
 
     def test_the_limits_are_those_of_the_program(self):
-        constants = r"constexpr std::size_t longest\w+ = ([\d']+);"
-        known = {number.replace("'", "")
-                 for number in re.findall(constants, manual.code("hostmgmt"))}  # fmt: skip
+        rules = (manual.PROGRAMS.source / "hostmgmt/ArgumentRules.h").read_text()
+        known = set(re.findall(r"constexpr std::size_t max\w+ = (\d+);", rules))
         text = manual.source("akhostmgmt.1").read_text()
         limits = text.partition(".Ss Limits\n")[2].partition("\n.Sh ")[0]
         found = {number.replace(",", "") for number in re.findall(r"(?<!-)\b\d[\d,]*", limits)}

@@ -5,23 +5,27 @@ OPERATIONS = ["Add", "AddHost", "Comment", "Delete", "List", "ReissueCert", "Upd
 GROUPS = {
     "argument rules": [
         "cmdframework/Argscmd.cpp", "cmdframework/Parameterscmd.cpp", "cmdframework/Basecmd.cpp",
-        "cmdframework/CaseInsensitive.cpp", "hostmgmt/ArgumentRules.cpp",
-        "driver/ArgumentCopy.cpp", "driver/Operations.cpp",
+        "hostmgmt/ArgumentRules.cpp", "driver/Operations.cpp",
     ],
-    "operations": [f"hostmgmt/AkHostMgmt{name}.cpp" for name in ["BaseOption", *OPERATIONS]],
+    "operations": [
+        "hostmgmt/AkHostMgmtBaseOption.cpp", "hostmgmt/Json.cpp",
+        *(f"hostmgmt/operations/AkHostMgmt{name}.cpp" for name in OPERATIONS),
+    ],
     "request classification": [
-        "hostmgmt/HostIdentity.cpp", "hostmgmt/RestResources.cpp", "hostmgmt/ServerRequests.cpp",
-        "platform/https/CurlStatus.cpp", "platform/https/ReplyFraming.cpp",
+        "hostmgmt/server/HostLookup.cpp", "hostmgmt/server/PrimaryServer.cpp",
+        "hostmgmt/server/RestResources.cpp", "platform/client/AKClientCURL.cpp",
+        "platform/client/RequestText.cpp", "platform/https/CurlStatus.cpp",
+        "platform/https/ReplyFraming.cpp",
     ],
     "error reporting": [
         "cmdframework/Messages.cpp", "cmdframework/Runtimecmd.cpp", "cmdframework/Usagecmd.cpp",
-        "hostmgmt/OperationOutput.cpp", "hostmgmt/ServerErrors.cpp",
+        "hostmgmt/OperationOutput.cpp", "hostmgmt/server/ServerErrors.cpp",
         "driver/ExecuteAkHostMgmt.cpp", "platform/catalogue/Placeholders.cpp",
     ],
     "listing formats": [
-        "hostmgmt/AkHostMgmtListOutput.cpp", "hostmgmt/Json.cpp", "hostmgmt/ListLabels.cpp",
-        "hostmgmt/ListText.cpp", "hostmgmt/LocalDate.cpp", "platform/text/BoundedText.cpp",
-        "platform/text/LocalTime.cpp", "platform/text/ServerNames.cpp", "platform/text/Utf8.cpp",
+        "hostmgmt/listing/ListLabels.cpp", "hostmgmt/listing/ListPrinter.cpp",
+        "hostmgmt/listing/ListText.cpp", "hostmgmt/listing/LocalDate.cpp",
+        "platform/text/ServerNames.cpp", "platform/text/Text.cpp", "platform/text/Utf8.cpp",
     ],
 }  # fmt: skip
 
@@ -30,6 +34,7 @@ UNIT_TESTS = [
     "tests/cmdframework_tests", "tests/hostmgmt_tests", "tests/driver_tests",
     "tests/platform_text_test", "tests/platform_catalogue_test", "tests/platform_https_test",
 ]  # fmt: skip
+MODULE = "tests/libarkeon-https.so"
 CASES = {
     "tests/akhostmgmt_logging_to_folder": [
         "entry", "arguments", "queries", "long_format", "short_format", "json_formats",

@@ -112,6 +112,7 @@ class Trials:
 def run(options, build, mutants):
     """The test that finds each mutant, or None."""
     linked = [build.link(name) for name in groups.UNIT_TESTS]
+    build.link(groups.MODULE)  # the tool finds it beside itself
     tests = [test for program in linked for test in trials.unit_tests(program)]
     devserver = options.build / "bin/akdevserver"
     for tool, files in groups.CASES.items():

@@ -164,7 +164,7 @@ def check_plain_installation(checks, installed):
         command("cp", "-r", "--preserve=mode", f"{installed}/.", root.path)
         site = Site(checks, root, "cmake --install", PREFIX)
         site.prepare()
-        site.check_library()
+        site.check_module()
 
 
 def main():

@@ -60,12 +60,12 @@ def check_control(checks, packages):
         maintainer = output("dpkg-deb", "-f", packages.deb(name), "Maintainer").decode().strip()
         checks.equal(f"{name}.rpm says what it is, and not where it was made", fields,
                      f"{name} {project_version()}-1 localhost {maintainer}")  # fmt: skip
-    depends = output("dpkg-deb", "-f", packages.deb(NAMES[0]), "Depends", "Recommends").decode()
-    for library in ("libssl3", "libjansson4", "libc6", "libcurl4"):
-        checks.check(f"the tool's .deb names {library}", library not in depends and depends)
+    depends = output("dpkg-deb", "-f", packages.deb(NAMES[0]), "Depends").decode()
+    for library in ("libcurl4", "libssl3", "libjansson4", "libstdc++6", "libc6"):
+        checks.check(f"the tool's .deb depends on {library}", library not in depends and depends)
     requires = output("rpm", "-qpR", "--nosignature", packages.rpm(NAMES[0])).decode()
-    for library in ("libssl.so.3", "libcrypto.so.3", "libjansson.so.4"):
-        checks.check(f"the tool's .rpm names {library}", library not in requires and requires)
+    for library in ("libcurl.so.4", "libcrypto.so.3", "libjansson.so.4", "libstdc++.so.6"):
+        checks.check(f"the tool's .rpm requires {library}", library not in requires and requires)
 
 
 def check_programs(checks, packages, folder):

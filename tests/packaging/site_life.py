@@ -10,7 +10,7 @@ import time
 PLATFORM = "/usr/zelvik/arkeon"
 LOGS = f"{PLATFORM}/logs/admin"
 ROTATION = "/etc/logrotate.d/akhostmgmt"
-LIBRARY = "/lib/akhostmgmt/libarkeon-curl.so"
+MODULE = "/lib/akhostmgmt/libarkeon-https.so"
 GUIDE = pathlib.Path(__file__).parents[2] / "packaging" / "README.md"
 SERVER = "/tmp/primary"  # akdevserver's folder
 MEMBER, STRANGER = 4711, 4712  # users: one is of the group of administrators, one is not
@@ -84,7 +84,7 @@ class Site:
         for words in (["ls", LOGS], ["touch", f"{LOGS}/admin.20990101.log"]):
             status, text = self._root.run(*words, user=STRANGER)
             self.check(f"another user has no {words[0]} in the logs", status == 0 and text or "")
-        self.check_library()
+        self.check_module()
         self._check_languages()
 
     def _check_languages(self):
@@ -101,16 +101,14 @@ class Site:
             self.check(f"a failure in {folder.name}", expected == english and "not translated",
                        expected not in line and line)  # fmt: skip
 
-    def check_library(self):
-        """The tool takes its own build of libcurl from beside itself, and not the system's."""
+    def check_module(self):
+        """A request loads the HTTPS client below the program's own prefix."""
         trace = self._root.must("strace", "-e", "trace=open,openat",
                                 f"{self._prefix}/bin/akhostmgmt", "-list",
                                 environment={"XDG_CONFIG_HOME": f"{SERVER}/config"})  # fmt: skip
         opened = re.findall(r'"([^"]+)".* = \d+$', trace, re.MULTILINE)
-        own = [path for path in opened if os.path.normpath(path) == self._prefix + LIBRARY]
-        self.check(f"the tool below {self._prefix} loads its own libcurl", not own and opened)
-        self.check(f"the tool below {self._prefix} does without the system's libcurl",
-                   *(path for path in opened if "libcurl.so" in path))  # fmt: skip
+        found = any(os.path.normpath(path) == self._prefix + MODULE for path in opened)
+        self.check(f"the tool below {self._prefix} loads its module", not found and opened)
 
     def open_logs(self):
         """What the guide says for a site that wants the runs of other administrators logged."""

@@ -3,6 +3,7 @@
 #include "arkeon/status.h"
 #include "arkeon/status_table.h"
 #include "catalogue/Placeholders.h"
+#include "devserver/Reply.h"
 #include "support/Environment.h"
 #include "support/TempDir.h"
 
@@ -261,7 +262,7 @@ TEST_F(CatalogueTest, StatusTextsAreTranslated) {
 std::set<int> declaredCodes() {
     std::ifstream header(STATUS_HEADER);
     const std::string text{std::istreambuf_iterator<char>(header), {}};
-    const std::regex declaration(R"(inline constexpr int \w+ =\s+(\d+);)");
+    const std::regex declaration(R"( \w+ = (\d+),)");
     std::set<int> codes;
     for (std::sregex_iterator match(text.begin(), text.end(), declaration), end; match != end;
          ++match) {
@@ -274,7 +275,8 @@ TEST(StatusTexts, EveryCodeHasOneSentenceOfItsOwn) {
     const std::set<int> codes = declaredCodes();
     const std::set<int> required{0,    20,   37,   104,  117,  118,  144,  5930, 7610, 7620, 7621,
                                  7622, 7623, 7624, 7625, 7626, 7627, 7628, 7629, 7640, 7641, 7642,
-                                 7643, 7644, 7650, 7651, 8614, 8701, 8900, 8901, 8902};
+                                 7643, 7644, 7650, 7651, 8614, 8701, 8702, 8703, 8705, 8706, 8707,
+                                 8708, 8709, 8710, 8711, 8712, 8713, 8900, 8901, 8902};
     EXPECT_EQ(codes, required);
     const zvlocale plain{"C", "C"};
     // A full stop ends it; one in a number or in the name of a file does not.
@@ -313,7 +315,15 @@ TEST(StatusTable, ARetryIsAdvisedOnlyWhereNothingReachedTheServer) {
 }
 
 TEST(StatusTable, AChangeIsInDoubtWhereTheRequestMayHaveReachedTheServer) {
-    EXPECT_EQ(codesWith(arkeon::Retry::check), (std::set{20, 7610, 7622, 7625, 7628, 7629, 7651}));
+    EXPECT_EQ(
+        codesWith(arkeon::Retry::check), (std::set{20, 7610, 7622, 7625, 7628, 7629, 7651, 8713}));
+}
+
+TEST(StatusTexts, EveryErrorOfTheDevelopmentServerHasOne) {
+    const std::set<int> codes = declaredCodes();
+    for (const devserver::ErrorKind& kind : devserver::errors::all) {
+        EXPECT_TRUE(codes.contains(static_cast<int>(kind.code))) << kind.code;
+    }
 }
 
 TEST(StatusTexts, UnknownCodeIsNamed) {

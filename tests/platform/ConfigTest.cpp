@@ -145,50 +145,6 @@ TEST_F(MasterConfigTest, ReasonsHaveLineAndColumn) {
     }
 }
 
-/// A key of this many parts, a.a.a.
-std::string keyOf(std::size_t parts) {
-    std::string key = "a";
-    while (key.size() < 2 * parts - 1) {
-        key += ".a";
-    }
-    return key;
-}
-
-TEST_F(MasterConfigTest, KeyHasThirtyTwoPartsAtMost) {
-    writeMaster(keyOf(32) + " = 1\n[b." + keyOf(31) + "]\nc = { " + keyOf(32) + " = 1.5 }\n");
-    EXPECT_EQ(AK_read_master_config(), 0) << log_.text();
-    for (const std::string& text :
-         {keyOf(33) + " = 1\n", "[" + keyOf(33) + "]\n", "x = { " + keyOf(33) + " = 1 }\n",
-          "'x' . \"x\" . " + keyOf(31) + " = 1\n", "x = \"\" # '\n" + keyOf(33) + " = 1\n"}) {
-        writeMaster(text);
-        EXPECT_EQ(AK_read_master_config(), status::unreadableMasterConfig) << text;
-        EXPECT_THAT(log_.text(), EndsWith(": a key has too many parts\n"));
-    }
-    writeMaster("x = 1\n" + keyOf(33) + " = 1\n");
-    EXPECT_EQ(AK_read_master_config(), status::unreadableMasterConfig);
-    EXPECT_THAT(log_.text(), HasSubstr("master.toml, line 2, column 64: a key has"));
-}
-
-TEST_F(MasterConfigTest, DotsOfStringsCommentsAndNumbersAreNoParts) {
-    const std::string dots(100, '.');
-    std::string numbers = "x = [1.5";
-    for (int i = 0; i < 100; ++i) {
-        numbers += ", 1.5";
-    }
-    for (const std::string& text :
-         {"# " + dots, "x = \"" + dots + "\"", "x = '" + dots + "'", numbers + "]",
-          "x = \"\"\"" + dots + "\n\"\"" + dots + "\"\"\"\"\"",
-          "x = '''" + dots + "\n''" + dots + "'''''", "x = \"\\\"" + dots + "\""}) {
-        writeMaster(text + "\n");
-        EXPECT_EQ(AK_read_master_config(), 0) << text << log_.text();
-    }
-}
-
-TEST_F(MasterConfigTest, KeyOfCountlessPartsDoesNotEndTheStack) {
-    writeMaster(keyOf(500'000) + " = 1\n");
-    EXPECT_EQ(AK_read_master_config(), status::unreadableMasterConfig);
-}
-
 /// `getHostID` into a buffer of `size` bytes that held something else.
 class HostIdTest : public RootTest {
 protected:
@@ -240,18 +196,18 @@ TEST_F(HostIdTest, NoRow) {
     writeCertificates(row("host", "a", "1"));
     for (const auto& [server, type] : std::array<std::pair<const char*, int>, 5>{
              {{"b", 1}, {"a", 2}, {"a", 0}, {"a", 3}, {nullptr, 1}}}) {
-        EXPECT_EQ(read(server, type), status::noCertificateRow);
+        EXPECT_EQ(read(server, type), status::noCertificateEntry);
         EXPECT_EQ(hostId(), "");
     }
     EXPECT_THAT(
         log_.lines().front(),
         EndsWith("certificates.toml: no row of type \"host\" for server \"b\""));
     writeCertificates("");
-    EXPECT_EQ(read("a"), status::noCertificateRow);
+    EXPECT_EQ(read("a"), status::noCertificateEntry);
 }
 
 TEST_F(HostIdTest, NoFile) {
-    EXPECT_EQ(read("a"), status::noCertificateRow);
+    EXPECT_EQ(read("a"), status::noCertificateEntry);
     EXPECT_EQ(hostId(), "");
     EXPECT_THAT(log_.text(), EndsWith("etc/certificates.toml: no such file\n"));
 }

@@ -238,14 +238,6 @@ TEST(Console, FullDiskIsRememberedAndFurtherOutputDropped) {
     close(full);
 }
 
-TEST(Console, PlainErrorIsWrittenAsItIsAfterTheOutput) {
-    const Pipe both;
-    Console console(both.writer(), both.writer());
-    console.write("output ");
-    console.writePlainError("error");
-    EXPECT_EQ(drain(both.reader()), "output error");
-}
-
 TEST(Console, ErrorsOfStandardErrorDoNotCount) {
     const int full = open("/dev/full", O_WRONLY | O_CLOEXEC);
     const Pipe output;

@@ -8,7 +8,7 @@
 
 namespace {
 
-using arkeon::observed;
+using arkeon::failureReason;
 using arkeon::TransferNotes;
 using arkeon::transferStatus;
 namespace status = arkeon::status;
@@ -50,12 +50,14 @@ TEST(CurlStatus, EveryResultOfLibcurlHasItsStatus) {
 
 TEST(CurlStatus, AnAlertInPlaceOfAReplyRefusesTheHandshake) {
     EXPECT_EQ(statusOf(CURLE_RECV_ERROR, alert(false)), status::handshakeFailed);
-    EXPECT_EQ(observed(CURLE_RECV_ERROR, alert(false)), "the server ended TLS with an alert");
+    EXPECT_EQ(
+        failureReason(CURLE_RECV_ERROR, "Broken", alert(false)),
+        "Broken; the server ended TLS with an alert");
 }
 
 TEST(CurlStatus, AnAlertWithinAReplyBreaksIt) {
     EXPECT_EQ(statusOf(CURLE_RECV_ERROR, alert(true)), status::connectionBroke);
-    EXPECT_EQ(observed(CURLE_RECV_ERROR, alert(true)), "");
+    EXPECT_EQ(failureReason(CURLE_RECV_ERROR, "Broken", alert(true)), "Broken");
 }
 
 TEST(CurlStatus, AServerThatIsNotTrustedStaysThatWhateverItSent) {
@@ -66,17 +68,15 @@ TEST(CurlStatus, WhatTheToolRefusedComesBeforeLibcurlsResult) {
     TransferNotes tooLarge;
     tooLarge.replyTooLarge = true;
     EXPECT_EQ(statusOf(CURLE_WRITE_ERROR, tooLarge), status::replyTooLarge);
-    EXPECT_EQ(observed(CURLE_WRITE_ERROR, tooLarge), "the reply is over the limit");
+    EXPECT_EQ(
+        failureReason(CURLE_WRITE_ERROR, "Stopped", tooLarge),
+        "Stopped; the reply is over the limit");
     TransferNotes sentOnce;
-    sentOnce.resendRefused = true;
+    sentOnce.resendRejected = true;
     EXPECT_EQ(statusOf(CURLE_SEND_FAIL_REWIND, sentOnce), status::connectionBroke);
     EXPECT_EQ(
-        observed(CURLE_SEND_FAIL_REWIND, sentOnce),
-        "the connection broke; the request is not sent again");
-    TransferNotes outOfMemory;
-    outOfMemory.outOfMemory = true;
-    EXPECT_EQ(statusOf(CURLE_WRITE_ERROR, outOfMemory), status::clientFailure);
-    EXPECT_EQ(observed(CURLE_WRITE_ERROR, outOfMemory), "no memory for the body");
+        failureReason(CURLE_SEND_FAIL_REWIND, "No resend", sentOnce),
+        "No resend; the connection broke; the request is not sent again");
 }
 
 TEST(CurlStatus, NoMemoryWithinTheHeadIsALineThatIsTooLong) {
@@ -85,24 +85,27 @@ TEST(CurlStatus, NoMemoryWithinTheHeadIsALineThatIsTooLong) {
     notes.requestSent = true;
     EXPECT_EQ(statusOf(CURLE_OUT_OF_MEMORY, notes), status::replyTooLarge);
     EXPECT_EQ(
-        observed(CURLE_OUT_OF_MEMORY, notes),
-        "a line of the reply's head is over the limit, or there is no memory for it");
-    notes.replyHeadWhole = true;
+        failureReason(CURLE_OUT_OF_MEMORY, "Out of memory", notes),
+        "Out of memory; a line of the reply's head is over the limit, or there is no memory for "
+        "it");
+    notes.headersComplete = true;
     EXPECT_EQ(statusOf(CURLE_OUT_OF_MEMORY, notes), status::clientFailure);
-    EXPECT_EQ(observed(CURLE_OUT_OF_MEMORY, notes), "");
+    EXPECT_EQ(failureReason(CURLE_OUT_OF_MEMORY, "Out of memory", notes), "Out of memory");
 }
 
 TEST(CurlStatus, LibcurlsSuccessNeedsAWholeHead) {
     TransferNotes notes;
     notes.tlsClosed = true;
     EXPECT_EQ(statusOf(CURLE_OK, notes), status::connectionBroke);
-    EXPECT_EQ(observed(CURLE_OK, notes), "the connection ended before the reply was whole");
-    notes.replyHeadWhole = true;
+    EXPECT_EQ(
+        failureReason(CURLE_OK, "", notes), "the connection ended before the reply was whole");
+    notes.headersComplete = true;
     EXPECT_EQ(statusOf(CURLE_OK, notes), status::success);
 }
 
-TEST(CurlStatus, NothingIsAddedToAPlainFailure) {
-    EXPECT_EQ(observed(CURLE_COULDNT_CONNECT, {}), "");
+TEST(CurlStatus, AFailureWithoutATextHasLibcurlsGeneralOne) {
+    EXPECT_EQ(
+        failureReason(CURLE_COULDNT_CONNECT, "", {}), curl_easy_strerror(CURLE_COULDNT_CONNECT));
 }
 
 }  // namespace

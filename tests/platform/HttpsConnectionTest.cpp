@@ -1,5 +1,4 @@
 #include "arkeon/status.h"
-#include "https/ClientLimits.h"
 #include "platform/HttpsFixture.h"
 
 #include <chrono>
@@ -61,7 +60,9 @@ TEST_F(HttpsTest, RefusedConnection) {
 }
 
 TEST_F(HttpsTest, ServerThatNeverFinishesConnecting) {
-    arkeon::clientLimits().connectMilliseconds = 300;
+    arkeon::TransferLimits limits;
+    limits.connectMilliseconds = 300;
+    useLimits(limits);
     TlsServerSettings settings = goodSettings();
     settings.handshake = false;
     const TlsScriptServer server(settings, {});
@@ -74,7 +75,9 @@ TEST_F(HttpsTest, ServerThatNeverFinishesConnecting) {
 class HttpsStallTest : public HttpsTest, public testing::WithParamInterface<const char*> {};
 
 TEST_P(HttpsStallTest, IsGivenUp) {
-    arkeon::clientLimits().stallSeconds = 1;
+    arkeon::TransferLimits limits;
+    limits.stallSeconds = 1;
+    useLimits(limits);
     const TlsScriptServer server(goodSettings(), {{GetParam(), Ending::stall}});
     EXPECT_EQ(get(server.port()), status::timedOut) << log_.text();
     EXPECT_THAT(server.requests(), SizeIs(1));
@@ -85,8 +88,8 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values("", "HTTP/1.1 200 OK\r\n", "HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nabc"));
 
 TEST_F(HttpsTest, TheTimesAreHalfAMinuteAndTwoMinutes) {
-    EXPECT_EQ(arkeon::clientLimits().connectMilliseconds, 30000);
-    EXPECT_EQ(arkeon::clientLimits().stallSeconds, 120);
+    EXPECT_EQ(arkeon::TransferLimits().connectMilliseconds, 30000);
+    EXPECT_EQ(arkeon::TransferLimits().stallSeconds, 120);
 }
 
 TEST_F(HttpsTest, RequestsToOneServerShareOneConnectionAndHandshake) {

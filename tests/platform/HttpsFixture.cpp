@@ -1,6 +1,17 @@
 #include "platform/HttpsFixture.h"
 
-#include "https/ClientLimits.h"
+#include "client/HttpsModule.h"
+
+namespace {
+
+std::unique_ptr<arkeon::HttpsTransport> transport;
+
+}  // namespace
+
+/// Takes the place of the function that loads the module.
+arkeon::HttpsTransport* arkeon::httpsTransport() {
+    return transport.get();
+}
 
 std::string plainReply(const std::string& body, const std::string& status) {
     return "HTTP/1.1 " + status + "\r\nContent-Length: " + std::to_string(body.size()) +
@@ -15,10 +26,15 @@ HttpsTest::HttpsTest()
     root_.write("certs/host.key", host.privateKeyPem);
     root_.write("certs/ca.pem", authority_.certificatePem());
     writeCertificateInfo({"127.0.0.1"});
+    useLimits({});
 }
 
 HttpsTest::~HttpsTest() {
-    arkeon::clientLimits() = {};
+    transport = nullptr;
+}
+
+void HttpsTest::useLimits(const arkeon::TransferLimits& limits) {
+    transport = arkeon::newCurlTransport(limits);
 }
 
 devserver::Identity

@@ -3,6 +3,7 @@
 #include "arkeon/AKClientCURL.h"
 #include "arkeon/LoginWithUserTokenManager.h"
 #include "devserver/CertificateAuthority.h"
+#include "https/CurlTransport.h"
 #include "support/Environment.h"
 #include "support/LogReader.h"
 #include "support/TempDir.h"
@@ -24,6 +25,9 @@ public:
 
 protected:
     HttpsTest();
+
+    /// Replaces the client's connection and its limits.
+    static void useLimits(const arkeon::TransferLimits& limits);
 
     /// A server's identity for these names and, unless given, the coming year.
     devserver::Identity identityFor(

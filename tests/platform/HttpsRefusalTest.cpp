@@ -42,10 +42,19 @@ TEST_F(HttpsRefusalTest, UrisThatCannotBeSentAsTheyAre) {
     for (const std::string& uri :
          {std::string("a b"), std::string(" "), std::string("a\r\nX: y"), std::string("a\tb"),
           std::string("a\x7f"), std::string("a\x1f"), withNul}) {
-        EXPECT_EQ(refusing.Get(uri), status::invalidRequestAddress) << uri;
-        EXPECT_EQ(refusing.Put(uri, "{}"), status::invalidRequestAddress) << uri;
+        EXPECT_EQ(refusing.Get(uri), status::invalidRequestTarget) << uri;
+        EXPECT_EQ(refusing.Put(uri, "{}"), status::invalidRequestTarget) << uri;
     }
     EXPECT_THAT(log_.text(), HasSubstr("16 arkeon: not a request address: \"a b\"\n"));
+}
+
+TEST_F(HttpsRefusalTest, UrisWithDotSegments) {
+    auto rejecting = client();
+    for (const char* uri :
+         {".", "..", "ID/hostmappings/..", "ID/./comment", "../x", "a/%2e", "a/%2E%2e/b", ".%2e",
+          "a/..?b", "a/..#b", "..#/b"}) {
+        EXPECT_EQ(rejecting.Delete(uri), status::invalidRequestTarget) << uri;
+    }
 }
 
 TEST_F(HttpsRefusalTest, HeaderLinesThatCannotBeSentAsTheyAre) {
@@ -56,11 +65,11 @@ TEST_F(HttpsRefusalTest, HeaderLinesThatCannotBeSentAsTheyAre) {
           std::string("X A: blank in the name"), std::string("X;A: b"), std::string(), withNul}) {
         auto refusing = client();
         refusing.setupAcceptCurlOption(line);
-        EXPECT_EQ(refusing.Get("hosts"), status::invalidRequestAddress) << line;
+        EXPECT_EQ(refusing.Get("hosts"), status::invalidRequestTarget) << line;
     }
     auto refusing = client();
     refusing.addHeaderField("Accept: ", "a\r\nb: c");
-    EXPECT_EQ(refusing.Delete("hosts"), status::invalidRequestAddress);
+    EXPECT_EQ(refusing.Delete("hosts"), status::invalidRequestTarget);
 }
 
 TEST_F(HttpsRefusalTest, PortsThatAreNone) {
@@ -72,9 +81,9 @@ TEST_F(HttpsRefusalTest, PortsThatAreNone) {
 
 TEST_F(HttpsRefusalTest, NoCertificateInformation) {
     writeCertificateInfo({"other.example"});
-    EXPECT_EQ(client().Get("hosts"), status::noCertificateRow);
+    EXPECT_EQ(client().Get("hosts"), status::noCertificateEntry);
     std::filesystem::remove(root_.file("etc/certificates.toml"));
-    EXPECT_EQ(client().Get("hosts"), status::noCertificateRow);
+    EXPECT_EQ(client().Get("hosts"), status::noCertificateEntry);
     root_.write("etc/certificates.toml", "[[certificate]\n");
     EXPECT_EQ(client().Get("hosts"), status::malformedCertificateInfo);
 }
@@ -98,7 +107,7 @@ TEST_F(HttpsRefusalTest, TheServersNameIsCheckedFirstThenTheAddressThenTheCertif
     AKClientCURL nameless("", 1, 1, AKCurlSessionType::rest, &tokens);
     EXPECT_EQ(nameless.Get("a b"), status::invalidServerName);
     AKClientCURL named("127.0.0.1", 1, 1, AKCurlSessionType::rest, &tokens);
-    EXPECT_EQ(named.Get("a b"), status::invalidRequestAddress);
+    EXPECT_EQ(named.Get("a b"), status::invalidRequestTarget);
     EXPECT_EQ(named.Get("a"), status::malformedCertificateInfo);
     writeCertificateInfo({"127.0.0.1"});
     EXPECT_EQ(named.Get("a"), status::notLoggedIn);
@@ -109,7 +118,7 @@ TEST_F(HttpsTest, RefusedRequestLeavesNothingOfTheReplyBefore) {
     AKClientCURL client("127.0.0.1", server.port(), 1, AKCurlSessionType::rest, nullptr);
     ASSERT_EQ(client.Get("a"), 0);
     EXPECT_EQ(client.httpStatus(), 200);
-    EXPECT_EQ(client.Get("a b"), status::invalidRequestAddress);
+    EXPECT_EQ(client.Get("a b"), status::invalidRequestTarget);
     EXPECT_EQ(client.httpStatus(), 0);
     EXPECT_EQ(client.takeBody(), "");
 }

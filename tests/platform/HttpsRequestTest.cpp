@@ -148,6 +148,7 @@ TEST_F(HttpsRequestTest, SessionKeysAreNotWrittenWhateverTheEnvironmentSays) {
 TEST_F(HttpsRequestTest, EnvironmentDoesNotSayWhatANameMeans) {
     const ScopedVariable aliases("HOSTALIASES", root_.file("aliases"));
     const ScopedVariable domain("LOCALDOMAIN", "elsewhere.example");
+    useLimits({});
     ASSERT_EQ(client_.Get("hosts"), 0);
     EXPECT_EQ(std::getenv("HOSTALIASES"), nullptr);
     EXPECT_EQ(std::getenv("LOCALDOMAIN"), nullptr);
@@ -172,9 +173,8 @@ TEST_P(HttpsTargetTest, GoesOutByteForByte) {
 INSTANTIATE_TEST_SUITE_P(
     Uris, HttpsTargetTest,
     testing::Values(
-        "ID/hostmappings/..", "ID/hostmappings/.", "a/./b/../../c", "a#b", "a?b?c#d", "a//b", "/a",
-        "%2e%2e/%00", "a\\b", "\xc3\xa4/\xff", "http://other.invalid/", "@other.invalid:1/", "*",
-        ""));
+        "a#b", "a?b?c#d", "a//b", "/a", "...", ".a/b.", "a?../.", "%2e%2e%2e/%00", "a\\b",
+        "\xc3\xa4/\xff", "http://other.invalid/", "@other.invalid:1/", "*", ""));
 
 TEST_F(HttpsTest, HeadersGoWithEveryRequestAndOnlyNotesOfTheLastReplyAreKept) {
     TlsScriptServer server(

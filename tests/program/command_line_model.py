@@ -6,6 +6,8 @@ Arguments are bytes. `parse` gives a `Command` or raises `Usage`.
 import re
 from dataclasses import dataclass, field
 
+from host_model import MAX_COMMENT, MAX_NAME, MAX_REASON
+
 SERVER, HOST_ID, HOST = ("server", "s"), ("hostid", "i"), ("host", "n")
 REASON, HELP = ("reason", "r"), ("help", "h")
 MAPPING, NEW_NAME, COMMENT = ("mappingname", "hm"), ("newhostname", "nh"), ("comment", "c")
@@ -224,7 +226,7 @@ def _list_rules(command):
     for one, other in ((SHORT, JSON), (SHORT, COMPACT), (JSON, COMPACT)):
         if command.given(one) and command.given(other):
             _fail(command, f"{ONE_OF}{one[0]} {other[0]}")
-    for rule in (_no_slashes(HOST), _no_slashes(HOST_ID), _at_most(1024, HOST)):
+    for rule in (_no_slashes(HOST), _no_slashes(HOST_ID), _at_most(MAX_NAME, HOST)):
         rule(command)
     named = [option[0] for option in (HOST_ID, HOST, APPROVED, PENDING, CONFLICT)
              if command.given(option)]  # fmt: skip
@@ -234,10 +236,10 @@ def _list_rules(command):
 
 _MAPPING_RULES = [
     _one_host, _needs(MAPPING), _no_slashes(HOST), _no_slashes(HOST_ID), _no_slashes(MAPPING),
-    _at_most(1024, HOST), _at_most(1024, MAPPING), _at_most(512, REASON),
+    _at_most(MAX_NAME, HOST), _at_most(MAX_NAME, MAPPING), _at_most(MAX_REASON, REASON),
 ]  # fmt: skip
 _COMMENT_RULES = [
-    _no_slashes(HOST_ID), _no_slashes(HOST), _at_most(1024, HOST), _at_most(2048, COMMENT),
+    _no_slashes(HOST_ID), _no_slashes(HOST), _at_most(MAX_NAME, HOST), _at_most(MAX_COMMENT, COMMENT),
     _is_utf8(COMMENT),
 ]  # fmt: skip
 RULES = {
@@ -247,11 +249,11 @@ RULES = {
     "addcomment": [_one_host, _needs(COMMENT), *_COMMENT_RULES],
     "deletecomment": [_one_host, _no_comment, *_COMMENT_RULES],
     "allowautoreissuecert": [
-        _one_host, _no_slashes(HOST_ID), _no_slashes(HOST), _at_most(1024, HOST),
+        _one_host, _no_slashes(HOST_ID), _no_slashes(HOST), _at_most(MAX_NAME, HOST),
         _needs(REISSUE), _zero_or_one],
-    "addhost": [_needs(HOST), _no_slashes(HOST), _at_most(1024, HOST), _is_utf8(HOST)],
+    "addhost": [_needs(HOST), _no_slashes(HOST), _at_most(MAX_NAME, HOST), _is_utf8(HOST)],
     "updatehost": [
         _one_host, _needs(NEW_NAME), _no_slashes(HOST), _no_slashes(HOST_ID),
-        _no_slashes(NEW_NAME), _at_most(1024, HOST), _at_most(1024, NEW_NAME),
+        _no_slashes(NEW_NAME), _at_most(MAX_NAME, HOST), _at_most(MAX_NAME, NEW_NAME),
         _is_utf8(NEW_NAME)],
 }  # fmt: skip

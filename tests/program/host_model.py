@@ -20,7 +20,7 @@ MAPPING_KEYS = [
 ]  # fmt: skip
 COLLECTION = "arkeon/config/hosts"
 PERMISSION = 48 * 60 * 60 * 1000
-LONGEST_NAME, LONGEST_COMMENT, LONGEST_REASON = 1024, 2048, 512
+MAX_NAME, MAX_COMMENT, MAX_REASON = 1024, 2048, 512  # as in hostmgmt/ArgumentRules.h
 
 
 def text(data):
@@ -190,7 +190,7 @@ class HostModel:
         }  # fmt: skip
         if (resource, method) not in handlers:
             raise Refused(405, 8708)
-        if len(data(reason)) > LONGEST_REASON:
+        if len(data(reason)) > MAX_REASON:
             raise Refused(400, 8706)
         return handlers[resource, method](*parts, body)
 
@@ -237,7 +237,7 @@ class HostModel:
         return 204
 
     def _set_comment(self, host_id, body):
-        if len(data(body["comment"])) > LONGEST_COMMENT:
+        if len(data(body["comment"])) > MAX_COMMENT:
             raise Refused(400, 8706)
         self.host(host_id)["comment"] = body["comment"] or None
         return 200
@@ -305,5 +305,5 @@ class HostModel:
 
 
 def _check_name(name):
-    if not 0 < len(data(name)) <= LONGEST_NAME or not all(map(is_plain, name)):
+    if not 0 < len(data(name)) <= MAX_NAME or not all(map(is_plain, name)):
         raise Refused(400, 8706)

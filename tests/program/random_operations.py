@@ -172,7 +172,10 @@ class RandomOperations:
         return self._pool_name()
 
     def leave_out(self, options):
-        options.pop(self._random.randrange(len(options)))
+        """Drops an option, but no JSON format: the long format has no model."""
+        formats = (line.JSON, line.COMPACT)
+        others = [i for i, (option, _) in enumerate(options) if option not in formats]
+        options.pop(self._random.choice(others))
 
     def repeat(self, options):
         options.append(self._random.choice(options))

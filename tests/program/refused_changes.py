@@ -196,7 +196,7 @@ UNKNOWN_HOSTS = [
 LATER_REFUSALS = [
     ["-delete", "-host", OWN_NAME, "-mappingname", "nobody"],
     ["-delete", "-hostid", host_id(2), "-mappingname", TAKEN_NAME, "-reason", REASON],
-    ["-delete", "-hostid", host_id(2), "-mappingname", ".."],
+    ["-delete", "-hostid", host_id(2), "-mappingname", "..."],
     ["-delete", "-hostid", "nobody", "-mappingname", OWN_NAME, "-reason", REASON],
     ["-add", "-host", OWN_NAME, "-mappingname", TAKEN_NAME, "-reason", REASON],
     ["-add", "-host", OWN_NAME, "-mappingname", TAKEN_NAME.upper(), "-isshared"],

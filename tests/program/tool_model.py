@@ -11,7 +11,7 @@ from case_files import shell_status
 from host_model import COLLECTION, Refused, text
 
 OWN_HOST_ID = "0a0aa0a0-0000-0aa0-aa00-000a0a00a0a0"
-NOT_SENDABLE = re.compile("[\0-\x20\x7f]")
+NOT_SENDABLE = re.compile("[\0-\x20\x7f]|[/#](?:\\.|%2e){1,2}(?:[/?#]|$)", re.IGNORECASE)
 
 PROMPT_AGAIN = "Please type 'y' for yes or 'n' for no: "
 REISSUE_TEXTS = [

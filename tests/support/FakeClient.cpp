@@ -2,8 +2,8 @@
 
 #include "arkeon/AKClientCURL.h"
 #include "arkeon/LoginWithUserTokenManager.h"
+#include "platform/client/RequestText.h"
 
-#include <cctype>
 #include <gtest/gtest.h>
 
 namespace support {
@@ -57,7 +57,9 @@ struct AKClientCURL::Session {
 
 AKClientCURL::AKClientCURL(
     const std::string& server, int port, int certType, AKCurlSessionType /*sessionType*/,
-    const LoginWithUserTokenManager* tokens)
+    const LoginWithUserTokenManager* tokens, const std::string& /*unused*/, bool /*unused*/,
+    bool /*unused*/, bool /*unused*/, const std::string& /*unused*/, const std::string& /*unused*/,
+    const std::string& /*unused*/, bool /*unused*/, bool /*unused*/)
     : session_(new Session) {
     session_->request.server = server;
     session_->request.port = port;
@@ -73,15 +75,7 @@ int AKClientCURL::encodeUriString(const std::string& in, std::string& out) {
     if (!script.unencodable.empty() && in == script.unencodable) {
         return script.encoderStatus;
     }
-    constexpr const char* digits = "0123456789ABCDEF";
-    for (const char c : in) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (std::isalnum(byte) != 0) {
-            out += c;
-        } else {
-            out += {'%', digits[byte >> 4], digits[byte & 15]};
-        }
-    }
+    out = arkeon::percentEncoded(in);
     return 0;
 }
 
@@ -129,7 +123,8 @@ LoginWithUserTokenManager::LoginWithUserTokenManager(
     EXPECT_EQ(certType, 1) << "also on the active node of a cluster";
 }
 
-int LoginWithUserTokenManager::findToken(const std::string& /*server*/, std::string& token) const {
+arkeon::Status
+LoginWithUserTokenManager::findToken(const std::string& /*server*/, std::string& token) const {
     token = "token for " + std::to_string(port_);
-    return 0;
+    return arkeon::status::success;
 }

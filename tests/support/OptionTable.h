@@ -13,7 +13,7 @@
 struct OptionRow {
     const char* name;
     const char* alias;
-    parameterTypes type = parameterTypes::string;
+    parameterTypes type = stringValue;
 };
 
 /// Holds the option table of the operation `Class` against `rows`; ids count from 1, nothing is

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "hostmgmt/AkHostMgmtList.h"
+#include "hostmgmt/operations/AkHostMgmtList.h"
 #include "support/FakeClient.h"
 #include "support/TestChange.h"
 

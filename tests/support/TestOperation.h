@@ -19,11 +19,8 @@ public:
     void printUsage() override {}
     bool hasPayload() const { return payload != nullptr; }
 
-    using AkHostMgmtBaseOption::isGiven;
-    using AkHostMgmtBaseOption::valueOf;
-
 private:
-    static inline const PARAMETERS table[] = {{1, "server", "s", 0, parameterTypes::string}};
+    static inline const PARAMETERS table[] = {{1, "server", "s", 0, stringValue}};
 };
 
 /// For an operation whose command line holds nothing but its own option.

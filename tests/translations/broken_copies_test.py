@@ -14,7 +14,7 @@ CHECK = PROJECT / "scripts" / "translations"
 COPIED = ("cmdframework", "driver", "hostmgmt", "platform", "po")
 GOOD = "The translations are complete.\n"
 CODE, TEMPLATE, GERMAN, JAPANESE = (
-    "hostmgmt/AkHostMgmtAdd.cpp", "po/akhostmgmt.pot", "po/de.po", "po/ja.po",
+    "hostmgmt/operations/AkHostMgmtAdd.cpp", "po/akhostmgmt.pot", "po/de.po", "po/ja.po",
 )  # fmt: skip
 OTHER_TEMPLATE = "akhostmgmt.pot does not say what the code says"
 

@@ -1,6 +1,5 @@
-// Prints the texts of compiled catalogues that the tool would not use, and says so in its status.
+// Prints the messages of compiled catalogues that the tool would not use; fails if there are any.
 
-#include "catalogue/CatalogueFile.h"
 #include "catalogue/Placeholders.h"
 
 #include <cstdint>
@@ -17,7 +16,7 @@ std::string content(const char* path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// A sound catalogue's texts; msgfmt has written it on this machine, in this byte order.
+/// The messages of a catalogue that msgfmt compiled on this machine, in this byte order.
 class Catalogue {
 public:
     explicit Catalogue(const std::string& bytes) : bytes_(bytes) {}
@@ -48,10 +47,6 @@ private:
 /// The number of texts that do not fit, each printed with its context.
 int countUnfit(const char* path) {
     const std::string bytes = content(path);
-    if (!arkeon::isSoundCatalogue(bytes)) {
-        std::printf("%s is not a sound catalogue\n", path);
-        return 1;
-    }
     const Catalogue catalogue(bytes);
     int unfit = 0;
     for (std::size_t i = 0; i < catalogue.size(); ++i) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "arkeon/status.h"
+
 #include <string>
 
 /// Finds the user's login for a server: the token that the login tool left in
@@ -17,8 +19,8 @@ public:
 
     /// Reads the token for `server` (compared without regard to case) and this manager's port.
     /// @return 0; 5930 no file or no entry; 117 a file that cannot be trusted or read, or a token
-    ///         that is none; 118 the login has expired
-    int findToken(const std::string& server, std::string& token) const;
+    ///         that is not valid; 118 the login has expired
+    arkeon::Status findToken(const std::string& server, std::string& token) const;
 
 private:
     int port_;

@@ -1,8 +1,7 @@
 #pragma once
 
-/// Translated texts on GNU gettext: domain `akhostmgmt`, catalogues below `<root>/locale`, UTF-8.
-/// None is used while one of them is damaged, which the C library could not bear; the debug log
-/// names it.
+/// Translated messages on GNU gettext: domain `akhostmgmt`, catalogues below `<root>/locale`,
+/// UTF-8.
 
 /// The locale that the environment asks for.
 struct zvlocale {
@@ -16,13 +15,8 @@ struct zvlocale {
 /// @return 0; `*status` is set to the same
 int zvgetlocaleEx(zvlocale* locale, int* status);
 
-/// Opens the catalogue of this locale, as the first text would otherwise. To be called before
-/// anything is done that has to be reported: the C library ends a process that has no memory for
-/// it.
-void openCatalogue(const zvlocale& locale);
-
 /// Writes the text of message `id`, formatted printf-style with the arguments, into `buffer`; cut
-/// to `size` - 1 bytes without splitting a UTF-8 letter, always terminated. The text is the
+/// to `size` - 1 bytes without splitting a UTF-8 character, always terminated. The text is the
 /// catalogue's for the context `id` and the key `defaultText`; `defaultText` itself when there is
 /// none, or when its placeholders are not those of `defaultText` (same number, same types;
 /// positional forms such as `%2$s` are allowed).

@@ -38,9 +38,6 @@ public:
     /// Writes to standard error at once, after what standard output still holds.
     void writeError(std::string_view text);
 
-    /// The same for a text that is known to hold no control character; takes no memory.
-    void writePlainError(std::string_view text);
-
     /// Writes out what standard output still holds, then reads a line from standard input. No
     /// byte after the line is taken, so that whoever shares the input finds the next one. Input
     /// that cannot be read has ended.

@@ -17,12 +17,12 @@ struct MasterConfig {
 /// there is one, and an earlier configuration stays in place.
 /// @return 0, or 7650 when the file is missing, unreadable, not TOML, or a known key has the wrong
 ///         type
-int AK_read_master_config();
+[[nodiscard]] int AK_read_master_config();
 
-/// The configuration read last, owned by the platform and valid until the next successful read;
-/// null when none was read.
+/// The configuration that was read last, owned by the platform and valid until the next successful
+/// read; null if none was read.
 const MasterConfig* get_master_config_ptr();
 
-/// True when this host is the active node of a cluster. Reads the master configuration when nobody
-/// has; one that cannot be read means not clustered.
+/// True if this host is the active node of a cluster. Reads the master configuration if that was
+/// not done before; one that is missing or cannot be read means not clustered.
 bool IsActiveClusterNode();

@@ -80,7 +80,6 @@ def all_cases():
         unusable = failure(7642, connections=1)
         yield from states_of(f"root/certs/{name}", failure(7642),
                              a_megabyte_of_zero_bytes=unusable, noise=unusable)  # fmt: skip
-    yield from states_of(CATALOGUE, USED)
     yield below_a_file(MASTER, ABORTED)
     yield below_a_file(LOGINS, NOT_LOGGED_IN)
     yield below_a_file("root/certs/host.pem", failure(7642))

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "arkeon/status.h"
+
+#include <string>
+
+class CArgscmd;
+class CLogcmd;
+class PrimaryServer;
+
+/// The outcome of looking for a host ID.
+struct HostIdResult {
+    arkeon::Status status = arkeon::status::success;
+    std::string hostId;  ///< not empty if the status is `success`
+};
+
+/// Finds the host ID of the host that the command line names: by its ID, or by a name that the
+/// server looks up. The reason of a failure is shown on standard error.
+HostIdResult findHostId(const CArgscmd& args, const PrimaryServer& server, const CLogcmd& log);
+
+/// Finds the local host's own ID. Nothing is shown.
+HostIdResult findOwnHostId(const PrimaryServer& server, const CLogcmd& log);
