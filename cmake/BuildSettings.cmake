@@ -17,12 +17,11 @@ target_compile_options(akhostmgmt_hardening INTERFACE
 target_link_options(akhostmgmt_hardening INTERFACE
   -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack -Wl,--as-needed)
 
-# Programs bear no name of the folder that they were built in, so that the same sources give the
-# same bytes anywhere, also where ccache makes names relative (CCACHE_BASEDIR). The last name counts
-# first: the build folder lies in the source folder.
-file(RELATIVE_PATH sources ${CMAKE_BINARY_DIR} ${CMAKE_SOURCE_DIR}/CMakeLists.txt)
-get_filename_component(sources ./${sources} DIRECTORY)
-string(REGEX REPLACE "^\\./" "" sources ${sources})
+# Paths in the binaries are relative, so that the same sources give the same bytes in any
+# directory, even with CCACHE_BASEDIR. The last matching map wins; the build directory is inside
+# the source directory.
+cmake_path(RELATIVE_PATH CMAKE_SOURCE_DIR BASE_DIRECTORY ${CMAKE_BINARY_DIR}
+  OUTPUT_VARIABLE sources)
 add_library(akhostmgmt_reproducible INTERFACE)
 target_compile_options(akhostmgmt_reproducible INTERFACE
   $<$<CONFIG:RelWithDebInfo,Release>:-ffile-prefix-map=${CMAKE_SOURCE_DIR}=.

@@ -1,4 +1,4 @@
-# Every library the project stands on, found once; all are packages of Debian 12.
+# Every library the project depends on, found once; all are packages of Debian 12.
 find_package(PkgConfig REQUIRED)
 find_package(OpenSSL 3 REQUIRED)
 find_package(CURL 7.85 REQUIRED)

@@ -52,7 +52,7 @@ public:
     /// with a NUL inside the text.
     std::string commandLine() const;
 
-    /// Takes an option out; nothing happens when it is absent.
+    /// Removes an option, if present.
     void remove(const std::string& name) { options_.erase(name); }
 
     const Options& options() const { return options_; }

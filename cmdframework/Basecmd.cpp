@@ -17,7 +17,7 @@ constexpr const char* helpOption = "help";
 const PARAMETERS noOptions{};
 
 // The detail of a failure never takes more than 255 bytes.
-[[noreturn]] void refuse(usageExceptions code, const std::string& detail) {
+[[noreturn]] void reject(usageExceptions code, const std::string& detail) {
     std::array<char, 256> buffer{};
     arkeon::boundedCopy(buffer.data(), buffer.size(), detail);
     throw CUsagecmd(code, buffer.data());
@@ -63,7 +63,7 @@ void CBasecmd::checkRow(const PARAMETERS& row) const {
     const bool byAlias = args.exists(row.alias.c_str());
     if (!byName && !byAlias) {
         if (row.required == 1) {
-            refuse(
+            reject(
                 requiredOptionMissing, row.alias.empty() ? row.name : row.name + "|" + row.alias);
         }
         return;
@@ -72,13 +72,13 @@ void CBasecmd::checkRow(const PARAMETERS& row) const {
     const bool takesValue = row.type != noValue;
     const bool hasValue = args.hasAValue(given.c_str());
     if (takesValue && !hasValue) {
-        refuse(valueMissing, given);
+        reject(valueMissing, given);
     }
     if (!takesValue && hasValue) {
-        refuse(valueNotUsed, given);
+        reject(valueNotUsed, given);
     }
     if (byName && byAlias) {
-        refuse(nameAndAliasGiven, row.name + "\n" + row.alias);
+        reject(nameAndAliasGiven, row.name + "\n" + row.alias);
     }
 }
 

@@ -13,7 +13,7 @@ constexpr unsigned logFileMode = 0666;
 
 constexpr CatalogueText runTimeFailure = catalogued("SmeEmm0017N", "Run time failure: ");
 
-void takeIfUnset(std::string& setting, const char* value) {
+void setIfEmpty(std::string& setting, const char* value) {
     if (setting.empty() && value != nullptr) {
         setting = value;
     }
@@ -33,8 +33,8 @@ CLogcmd::~CLogcmd() {
 void CLogcmd::init(
     const char* newDirectory, const char* program, const char* newSubDirectory,
     Callback newCallback) {
-    takeIfUnset(directory, newDirectory);
-    takeIfUnset(subDirectory, newSubDirectory);
+    setIfEmpty(directory, newDirectory);
+    setIfEmpty(subDirectory, newSubDirectory);
     if (newCallback != nullptr) {
         callback = newCallback;
     }
@@ -44,7 +44,7 @@ void CLogcmd::init(
         if (open_debug_log(directory.c_str(), name, name, logFileMode, &status) < 0) {
             throw CRuntimecmd(logNotOpened, status, false);
         }
-        takeIfUnset(programName, program);
+        setIfEmpty(programName, program);
     }
     ++use_count;
 }
@@ -62,17 +62,17 @@ void CLogcmd::logit(const std::string& text, int level, const char* name) const 
 }
 
 void CLogcmd::logit(
-    std::initializer_list<std::string_view> pieces, int level, const char* name) const {
+    std::initializer_list<std::string_view> parts, int level, const char* name) const {
     if (use_count == 0) {
         return;
     }
     const bool named = name != nullptr && *name != '\0';
     const char* nameUsed = named ? name : programName.c_str();
-    logmsg(level, pieces, nameUsed);
+    logmsg(level, parts, nameUsed);
     if (callback != nullptr) {
         std::string text;
-        for (const std::string_view piece : pieces) {
-            text += piece;
+        for (const std::string_view part : parts) {
+            text += part;
         }
         callback(level, text.c_str(), nameUsed);
     }
@@ -80,9 +80,7 @@ void CLogcmd::logit(
 
 void CLogcmd::logit(const CRuntimecmd& failure) const {
     std::array<char, failureTextSize> text{};
-    getMessage(
-        text.data(), text.size(), runTimeFailure.id, runTimeFailure.text, nullptr, nullptr,
-        nullptr);
+    getMessage(text.data(), text.size(), runTimeFailure.id, runTimeFailure.text);
     arkeon::boundedAppend(text.data(), text.size(), failure.what());
     logit(text.data(), logLevel::failure, nullptr);
 }

@@ -27,9 +27,9 @@ public:
     CLogcmd& operator=(const CLogcmd&) = default;
     virtual ~CLogcmd();
 
-    /// Takes the settings that are not null or empty and not set yet, opens the log when nobody has
-    /// and `newDirectory`/`newSubDirectory` exists, and raises the use count. A missing folder is
-    /// no failure; `program` is then not taken.
+    /// Sets each setting that is still empty, opens the log if the use count is 0 and the
+    /// directory exists, and raises the use count. A missing directory is not a failure; `program`
+    /// is then ignored.
     /// @throws CRuntimecmd code 0 with the opener's status when the log cannot be opened
     void init(
         const char* newDirectory, const char* program, const char* newSubDirectory,
@@ -39,15 +39,13 @@ public:
     bool logDirectoryExists() const;
 
     /// Writes one line under `name`, or under the program's name when `name` is null or empty.
-    /// Nothing happens while the use count is 0.
+    /// Nothing happens while the use count is 0. `text` is not null.
     void logit(const char* text, int level, const char* name = nullptr) const;
     void logit(const std::string& text, int level, const char* name = nullptr) const;
 
-    /// The same for a text in pieces, one of which may be very large: they are put together only
-    /// for a callback.
+    /// The same for a text in parts, so that a large text is concatenated only for a callback.
     void logit(
-        std::initializer_list<std::string_view> pieces, int level,
-        const char* name = nullptr) const;
+        std::initializer_list<std::string_view> parts, int level, const char* name = nullptr) const;
 
     /// Writes "Run time failure: " and the failure's text as a failure.
     void logit(const CRuntimecmd& failure) const;

@@ -44,6 +44,6 @@ std::string statusLine(int status, const std::string& text) {
 
 std::string messageText(const CatalogueText& message, const char* a1, const char* a2) {
     std::array<char, operationTextSize> buffer{};
-    getMessage(buffer.data(), buffer.size(), message.id, message.text, a1, a2, nullptr);
+    getMessage(buffer.data(), buffer.size(), message.id, message.text, a1, a2);
     return buffer.data();
 }

@@ -28,8 +28,8 @@ const CatalogueText& messageOf(const MessageRow* table, std::uint32_t code, std:
 /// Fetches the text of message `id` into `buf` (cut to `size`), formatted with up to three strings;
 /// those that the text does not use are null.
 void getMessage(
-    char* buf, unsigned long size, const char* id, const char* defaultText, const char* a1,
-    const char* a2, const char* a3);
+    char* buf, unsigned long size, const char* id, const char* defaultText,
+    const char* a1 = nullptr, const char* a2 = nullptr, const char* a3 = nullptr);
 
 /// The same with one number.
 void getMessage(char* buf, unsigned long size, const char* id, const char* defaultText, int n);
@@ -57,7 +57,7 @@ inline constexpr CatalogueText selectExactlyOne =
     catalogued("SmeEmm0050N", "Please select exactly one of these options:");
 inline constexpr CatalogueText eitherIsRequired =
     catalogued("SmeHmm0001N", "Either %s or %s is required and was not specified");
-inline constexpr CatalogueText mappingNameHoldsSlashes =
+inline constexpr CatalogueText mappingNameHasSlashes =
     catalogued("SmeHmm0016N", "Mapping name must not contain slashes ('/' or '\\')");
 inline constexpr CatalogueText valueIsTooLong =
     catalogued("SmeEmm0155N", "The value for the following parameter is too long.");

@@ -27,7 +27,7 @@ const CatalogueText& wordFor(parameterTypes type) {
     }
 }
 
-// Finds in a constant and in a changeable table alike.
+// Serves both overloads of `find`.
 template <typename Table>
 auto findRow(Table& table, const std::string& option) {
     return std::find_if(table.begin(), table.end(), [&option](const auto& entry) {
@@ -68,7 +68,7 @@ parameterTypes CParameterscmd::parameterType(const std::string& option) const {
 const char* CParameterscmd::usageStringFor(parameterTypes type) const {
     static std::array<char, 1024> buffer;
     const CatalogueText& word = wordFor(type);
-    getMessage(buffer.data(), buffer.size(), word.id, word.text, nullptr, nullptr, nullptr);
+    getMessage(buffer.data(), buffer.size(), word.id, word.text);
     return buffer.data();
 }
 

@@ -57,7 +57,7 @@ CRuntimecmd::CRuntimecmd(
 const char* CRuntimecmd::message(runTimeExceptions code) const {
     static std::array<char, failureTextSize> buffer;
     const CatalogueText& text = textOf(code);
-    getMessage(buffer.data(), buffer.size(), text.id, text.text, nullptr, nullptr, nullptr);
+    getMessage(buffer.data(), buffer.size(), text.id, text.text);
     return buffer.data();
 }
 

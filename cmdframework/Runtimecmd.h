@@ -29,7 +29,7 @@ public:
     CRuntimecmd(runTimeExceptions code, const char* detail);
 
     /// The message and the status in parentheses; with `withStatusText` the status's own text
-    /// stands between them on a line of its own.
+    /// is between them on a line of its own.
     CRuntimecmd(runTimeExceptions code, int status, bool withStatusText);
 
     /// The same with a detail in double quotes: behind the status when its text is shown, else in

@@ -7,7 +7,7 @@
 
 namespace {
 
-// The fallback row stands last although its code is not the highest: a look-up stops there.
+// The fallback row is last, although its code is not the highest: a lookup stops at it.
 constexpr MessageRow messageTable[] = {
     {invalidOption, catalogued("SmeEmm0000N", "An invalid option was used.")},
     {commandOptionMissing,
@@ -33,7 +33,7 @@ constexpr MessageRow messageTable[] = {
      catalogued("SmeHst0011N", "Either parameter name or alias of the following option required:")},
     {selectExactlyOne, messages::selectExactlyOne},
     {eitherIsRequired, messages::eitherIsRequired},
-    {holdsSlashes, messages::mappingNameHoldsSlashes},
+    {hasSlashes, messages::mappingNameHasSlashes},
     {valueTooLong, messages::valueIsTooLong},
     {unknownUsageError, catalogued("SmeEmm0009N", "Unknown usage error.")},
 };
@@ -78,7 +78,7 @@ void CUsagecmd::SetUsagemessage(const char* text) {
 
 void CUsagecmd::message(char* buf, unsigned long size, usageExceptions code) const {
     const CatalogueText& text = textOf(code);
-    getMessage(buf, size, text.id, text.text, nullptr, nullptr, nullptr);
+    getMessage(buf, size, text.id, text.text);
 }
 
 void CUsagecmd::message(

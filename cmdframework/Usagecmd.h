@@ -22,7 +22,7 @@ enum usageExceptions : std::uint32_t {
     unknownUsageError = 12,  ///< the fallback for every code without a text
     selectExactlyOne = 13,
     eitherIsRequired = 14,
-    holdsSlashes = 15,
+    hasSlashes = 15,
     valueTooLong = 16,
 };
 
@@ -51,7 +51,7 @@ public:
 
     virtual const char* what() const { return text_.data(); }
 
-    /// Replaces the whole text.
+    /// Replaces the complete text.
     void SetUsagemessage(const char* text);
 
     /// Writes the code's message into `buf`.

@@ -39,7 +39,7 @@ constexpr CatalogueText operationHelpHint =
 constexpr CatalogueText notSuccessful =
     catalogued("SmeEmm0023N", "Command did not complete successfully.");
 
-// Not translated: a catalogue takes memory.
+// Not translated: translating allocates memory.
 constexpr const char* outOfMemoryLine =
     "Exit Status 20: There is not enough memory; check whether the change was made before trying "
     "again.\n";
@@ -142,7 +142,8 @@ int execute_akhostmgmt(int argc, char** argv) {
 }
 
 int execute_akhostmgmt_in(const char* logDirectory, int argc, char** argv) {
-    Console::standard();  // takes the standard streams before anything else is opened
+    // Before anything is opened, so that no file gets a standard stream's descriptor.
+    Console::standard();
     // A write beyond the file size limit (ulimit -f) is to fail like any other, not end the
     // process.
     std::signal(SIGXFSZ, SIG_IGN);
@@ -169,7 +170,7 @@ int execute_akhostmgmt_in(const char* logDirectory, int argc, char** argv) {
         status = reportRunTimeFailure(failure);
     }
     status = statusAfterOutput(status);
-    operation.reset();  // takes the use count of the log to 0 and below; lines are still written
+    operation.reset();  // wraps the log's use count (see CLogcmd); lines are still written
     logResult(status);
     return status;
 }

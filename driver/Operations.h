@@ -14,12 +14,12 @@ struct Operation {
     void (*printSynopsis)();
 };
 
-/// The table of operations, in the order in which the command line is looked through for them.
+/// All operations, in order of precedence.
 std::span<const Operation> allOperations();
 
-/// The operation that the command line asks for: that of the first row of the table of operations
-/// whose option or alias is present, wherever that stands on the line.
-/// @throws CUsagecmd code 0 when there is none
+/// Creates the operation of the first row whose option or alias is on the command line, at
+/// any position.
+/// @throws CUsagecmd code 0 if no row matches
 std::unique_ptr<CBasecmd> chooseOperation(const CArgscmd& args, CLogcmd& log);
 
 /// Prints the synopsis of every operation.

@@ -42,13 +42,13 @@ void expectLine(const std::string& line, const std::string& text) {
     expect(fuzz::isFreeOfControls(inside), "there is no control character in a line");
     expect(!hasLoneC1(inside), "nor one of an 8-bit character set");
     const std::size_t length = text.size() - (text.ends_with('\n') ? 1 : 0);
-    const bool cut = length > arkeon::longestLogText;
+    const bool cut = length > arkeon::maxLogText;
     const std::string end = "... [cut, " + std::to_string(length) + " bytes in all]\n";
     expect(!cut || line.ends_with(end), "a line that is cut says so");
     if (!cut && arkeon::isUtf8(text)) {
         expect(arkeon::isUtf8(inside), "what was UTF-8 is UTF-8");
     }
-    expect(line.size() <= 4 * arkeon::longestLogText + 2048, "no line is longer");
+    expect(line.size() <= 4 * arkeon::maxLogText + 2048, "no line is longer");
 }
 
 }  // namespace

@@ -47,7 +47,7 @@ void expectToken(int result, const std::string& token) {
     expect(visible && token.empty() == (result != 0), "a token is visible ASCII, or there is none");
     expect(
         result == arkeon::status::success || result == arkeon::status::notLoggedIn ||
-            result == arkeon::status::loginRefused || result == arkeon::status::loginExpired,
+            result == arkeon::status::unusableLogin || result == arkeon::status::loginExpired,
         "a login is found, missing, refused or expired");
 }
 

@@ -19,18 +19,18 @@ namespace {
 const char* const defaults[] = {"text", "100%%",    "%s",     "%s and %s",
                                 "%d",   "%s is %d", "%lu %s", "%s%s%s%s%s%s%s%s%s"};
 
-constexpr std::size_t mostArguments = 16;
+constexpr std::size_t maxArguments = 16;
 
 struct Arguments {
     std::size_t count = 0;
-    std::array<int, mostArguments> types{};
+    std::array<int, maxArguments> types{};
 
     bool operator==(const Arguments&) const = default;
 };
 
 Arguments argumentsOf(const char* format) {
     Arguments arguments;
-    arguments.count = parse_printf_format(format, mostArguments, arguments.types.data());
+    arguments.count = parse_printf_format(format, maxArguments, arguments.types.data());
     return arguments;
 }
 

@@ -5,10 +5,10 @@
 #include "arkeon/status.h"
 #include "arkeon/text.h"
 #include "client/RequestText.h"
-#include "client/ServerName.h"
 #include "fuzz/Input.h"
 #include "fuzz/Property.h"
 #include "support/TestOperation.h"
+#include "text/ServerNames.h"
 
 #include <algorithm>
 #include <arpa/inet.h>

@@ -9,8 +9,8 @@ namespace status = arkeon::status;
 
 namespace {
 
-// Hands over a reply, if there is one.
-int takeReply(ServerReply reply, std::string& response, int& httpCode) {
+// Leaves `response` and `httpCode` unchanged if no reply arrived.
+int storeReply(ServerReply reply, std::string& response, int& httpCode) {
     if (reply.httpStatus != 0) {
         response = std::move(reply.body);
         httpCode = reply.httpStatus;
@@ -18,7 +18,7 @@ int takeReply(ServerReply reply, std::string& response, int& httpCode) {
     return reply.status;
 }
 
-int takeHostId(HostIdResult result, std::string& hostId) {
+int storeHostId(HostIdResult result, std::string& hostId) {
     if (result.status == status::success) {
         hostId = std::move(result.hostId);
     }
@@ -70,14 +70,14 @@ int AkHostMgmtBaseOption::sendRequest(
     OperationType operation, CurlRequestType method, const std::string& body,
     const char* targetName, const char* hostId, std::string& response, int& httpCode,
     LoginType login) {
-    return takeReply(
+    return storeReply(
         server().request({operation, method, body, targetName, hostId, login}), response, httpCode);
 }
 
 int AkHostMgmtBaseOption::curlSendRequest(
     OperationType operation, const char* hostId, const char* targetName, CurlRequestType method,
     const std::string& body, std::string& response, int& httpCode, LoginType login) {
-    return takeReply(
+    return storeReply(
         server().exchange({operation, method, body, targetName, hostId, login}), response,
         httpCode);
 }
@@ -97,11 +97,11 @@ std::string AkHostMgmtBaseOption::getMasterServer() const {
 }
 
 int AkHostMgmtBaseOption::getHostIDfromCertmapinfo(std::string& hostId) const {
-    return takeHostId(findOwnHostId(server(), operationLog), hostId);
+    return storeHostId(findOwnHostId(server(), operationLog), hostId);
 }
 
 int AkHostMgmtBaseOption::getUuid(std::string& hostId) {
-    return takeHostId(findHostId(args, server(), operationLog), hostId);
+    return storeHostId(findHostId(args, server(), operationLog), hostId);
 }
 
 int AkHostMgmtBaseOption::changeHost(

@@ -100,12 +100,12 @@ protected:
         const std::function<void(int)>& report);
 
     /// Sends the change for the host `resolvedHostId`.
+    /// @return 0, or the status of the request, whose reason was shown
     [[nodiscard]] int sendChange(const Change& change, const std::function<void(int)>& report);
+
+    PrimaryServer server() const { return {args, operationLog}; }
 
     CLogcmd operationLog;
     JsonPayload payload;
-    std::string resolvedHostId;  ///< the host that a change is about
-
-private:
-    PrimaryServer server() const { return {args, operationLog}; }
+    std::string resolvedHostId;  ///< the host to change; empty for `-addhost`
 };

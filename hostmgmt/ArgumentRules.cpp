@@ -47,7 +47,7 @@ void ArgumentRules::requireOneOf(OptionName first, OptionName second) const {
 
 void ArgumentRules::rejectSlashes(OptionName option, const CatalogueText& message) const {
     if (valueOf(args_, option).find_first_of("\\/") != std::string::npos) {
-        reject(holdsSlashes, messageText(message));
+        reject(hasSlashes, messageText(message));
     }
 }
 

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 class CLogcmd;
 
@@ -40,10 +41,10 @@ public:
     /// The value, for jansson's functions; null after a failed `load`.
     operator json_t*() const { return root_.get(); }
 
-    /// Sets a member of the object; replaces an earlier one.
-    /// @throws CUsagecmd code 10 with the key if the value is not UTF-8, which JSON has to be (RFC
-    /// 8259,
-    ///         section 8.1)
+    /// Sets a member; replaces an earlier one. The value must be an object, as it is until it is
+    /// replaced by `load`.
+    /// @throws CUsagecmd code 10 with the key if the value is not UTF-8, which JSON must be
+    ///         (RFC 8259, section 8.1)
     void set(const char* key, const char* value);
 
     /// The same for any value; takes over the caller's reference.
@@ -53,8 +54,8 @@ public:
     std::string compactText() const;
 
     /// Replaces the value by the parsed text. A NUL byte in it is not JSON.
-    /// @return success; 7610 if the text is not JSON: the value is then null, and the text is
-    /// logged
+    /// @return success; 7610 if the text is not JSON: the value is then null, and
+    ///         the text is logged
     arkeon::Status load(std::string_view text);
 
     /// Reads a member of the object.

@@ -28,7 +28,7 @@ const char* nameOf(Retry retry) {
 json_t* describe(const StatusText& row) {
     return json_pack(
         "{s:i, s:i, s:s, s:s}", "status", row.code, "shell", shellStatus(row.code) & shellBits,
-        "meaning", row.sentence, "retry", nameOf(row.retry));
+        "meaning", row.message, "retry", nameOf(row.retry));
 }
 
 // The text for a number without a row, with %d in the number's place.

@@ -11,6 +11,9 @@ import sys
 
 from templates import filled
 
+# The exit status of every server code whose low 8 bits are 0, besides that of one status.
+AMBIGUOUS = 255
+
 
 def arm(numbers, text):
     """An arm of a shell's case: prints `text` for any of the numbers."""
@@ -38,7 +41,7 @@ def values(statuses):
         "only_statuses": [
             arm([shell], numbers[0])
             for shell, numbers in grouped(rows, "shell").items()
-            if len(numbers) == 1
+            if len(numbers) == 1 and shell != AMBIGUOUS
         ],
     }
 

@@ -54,9 +54,7 @@ void GetLocalizedString(HeaderType type, char* buffer, int size) {
     if (index >= std::size(labels)) {
         return;
     }
-    getMessage(
-        buffer, static_cast<unsigned long>(size), labels[index].id, labels[index].text, nullptr,
-        nullptr, nullptr);
+    getMessage(buffer, static_cast<unsigned long>(size), labels[index].id, labels[index].text);
 }
 
 void GetLocalizedBoolString(const char* text, char* buffer, int size) {

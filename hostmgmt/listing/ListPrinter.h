@@ -9,8 +9,7 @@
 class ListPrinter {
 public:
     /// @param approvedFirst prints the approved mappings of a host before its pending ones, and
-    /// those
-    ///        whose approval is null not at all
+    ///        omits those whose approval is null
     ListPrinter(bool shortFormat, bool approvedFirst)
         : shortFormat_(shortFormat), approvedFirst_(approvedFirst) {}
 

@@ -15,6 +15,7 @@ using arkeon::Console;
 namespace {
 
 constexpr std::size_t labelWidth = 40;
+constexpr std::string_view spaces = "                                        ";
 constexpr std::size_t maxColumnText = 15;
 
 }  // namespace
@@ -38,15 +39,10 @@ void printReissueValidity(const std::string& label, std::int64_t milliseconds) {
 }
 
 void printPadded(const char* text, std::size_t width) {
-    constexpr std::string_view spaces = "                                        ";
     const std::string_view field = text == nullptr ? "(null)" : text;
     Console& console = Console::standard();
     console.write(field);
-    for (std::size_t missing = width - std::min(width, field.size()); missing > 0;) {
-        const std::string_view some = spaces.substr(0, missing);
-        console.write(some);
-        missing -= some.size();
-    }
+    console.write(spaces.substr(0, width - std::min(width, field.size())));
 }
 
 void printLongLine(const std::string& label, const char* value) {

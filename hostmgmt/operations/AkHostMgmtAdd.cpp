@@ -48,7 +48,7 @@ void AkHostMgmtAdd::checkArguments() {
     rules.requireOption(option::mappingname);
     rules.rejectSlashes(option::host, hostNameHasSlashes);
     rules.rejectSlashes(option::hostid, hostIdHasSlashes);
-    rules.rejectSlashes(option::mappingname, messages::mappingNameHoldsSlashes);
+    rules.rejectSlashes(option::mappingname, messages::mappingNameHasSlashes);
     rules.rejectLongerThan(maxHostName, option::host);
     rules.rejectLongerThan(maxMappingName, option::mappingname);
     rules.rejectLongerThan(maxReason, option::reason);

@@ -21,7 +21,7 @@ constexpr CatalogueText description = catalogued(
                    "Use this option to add a host in the host database.\n"
                    "\n"
                    "Examples:");
-// The second example has two blanks before "-server".
+// The second example has two spaces before "-server".
 constexpr const char* examples = "\n"
                                  "akhostmgmt -addhost -host testhost1 \n"
                                  "akhostmgmt -addhost -host testhost1  -server ABCserver \n";

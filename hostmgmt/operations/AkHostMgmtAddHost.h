@@ -15,9 +15,8 @@ public:
     /// @throws CUsagecmd at the first rule that is broken
     void checkArguments() override;
 
-    /// @return 0, even if the user declines; the status of the request; 7651 if a question cannot
-    /// be
-    ///         shown: nothing is sent then
+    /// @return 0, even if the user declines; the status of the request; 7651, with nothing sent,
+    ///         if a question cannot be shown
     int execute() override;
 
     void printUsage() override;

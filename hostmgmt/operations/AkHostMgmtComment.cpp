@@ -69,7 +69,7 @@ AkHostMgmtComment::AkHostMgmtComment(CArgscmd newArgs, CLogcmd& commandLog)
     using namespace topLevelAkHostMgmtOptions;
     isAddComment = name == addcomment || name == addcomment_alias;
     isDeleteComment = name == deletecomment || name == deletecomment_alias;
-    // Only the first label ends with a blank.
+    // Only the first label ends with a space.
     operationLog.logit(
         flagLine(" Performing addcomment operation(If 1 Yes, Else No): ", isAddComment),
         logLevel::ordinary);
@@ -120,7 +120,7 @@ void AkHostMgmtComment::printMessageString(int httpCode) {
         text = messageText(isAddComment ? commentAdded : commentRemoved, resolvedHostId.c_str());
     }
     reportSuccess(text, operationLog);
-    // At once, for whoever waits for this line.
+    // Flush now: another program may be waiting for this line.
     arkeon::Console::standard().flush();
 }
 

@@ -16,7 +16,7 @@ public:
     void checkArguments() override;
 
     /// @return 0, or the status of the lookup or of the request
-    /// @throws CUsagecmd code 8 for a comment to add that is nothing but blanks; the host has been
+    /// @throws CUsagecmd code 8 if the comment to add consists only of spaces; the host has been
     ///         looked up by then
     int execute() override;
 

@@ -2,7 +2,7 @@
 
 #include "hostmgmt/AkHostMgmtBaseOption.h"
 
-/// `-delete`: takes a name or address away from a host.
+/// `-delete`: removes a mapped name or IP address from a host.
 class AkHostMgmtDelete : public AkHostMgmtBaseOption {
 public:
     static const PARAMETERS paramList[6];

@@ -5,6 +5,7 @@
 #include "hostmgmt/OperationOutput.h"
 
 #include <iterator>
+#include <new>
 #include <utility>
 
 using arkeon::Console;
@@ -44,7 +45,11 @@ constexpr CatalogueText nothingForOption =
 constexpr std::size_t jsonFlags = JSON_INDENT(3) | JSON_PRESERVE_ORDER;
 
 int writeJson(const char* text, std::size_t size, void* console) {
-    static_cast<Console*>(console)->write({text, size});
+    try {
+        static_cast<Console*>(console)->write({text, size});
+    } catch (const std::bad_alloc&) {  // must not pass through jansson
+        return -1;
+    }
     return 0;
 }
 
@@ -106,19 +111,15 @@ int AkHostMgmtList::execute() {
     if (const int failure = chooseQuery(query); failure != arkeon::status::success) {
         return failure;
     }
-    std::string response;
-    int httpCode = 0;
-    const int result = sendRequest(
-        query.operation, query.method, "", query.name.c_str(), query.hostId.c_str(), response,
-        httpCode, query.login);
-    if (result != arkeon::status::success || httpCode != httpStatus::ok) {
-        return result;
+    ServerReply reply = server().request(query);
+    if (reply.status != arkeon::status::success || reply.httpStatus != httpStatus::ok) {
+        return reply.status;
     }
     if (isGiven(args, option::hostid) || ownMappings) {
-        printOutput(std::move(response));
+        printOutput(std::move(reply.body));
         return arkeon::status::success;
     }
-    return printHosts(std::move(response));
+    return printHosts(std::move(reply.body));
 }
 
 int AkHostMgmtList::chooseQuery(ServerRequest& query) {
@@ -156,17 +157,17 @@ int AkHostMgmtList::chooseQuery(ServerRequest& query) {
 }
 
 int AkHostMgmtList::readOwnHostId(std::string& hostId) {
-    const int failure = getHostIDfromCertmapinfo(hostId);
-    if (failure != arkeon::status::success) {
+    const int result = getHostIDfromCertmapinfo(hostId);
+    if (result != arkeon::status::success) {
         operationLog.logit(
-            "\ngetHostIDfromCertmapinfo() failed, retval = " + std::to_string(failure),
+            "\ngetHostIDfromCertmapinfo() failed, retval = " + std::to_string(result),
             logLevel::failure);
-        return failure;
+        return result;
     }
     operationLog.logit(
-        "\nFetched HostId : " + hostId + ", Return code : " + std::to_string(failure),
+        "\nFetched HostId : " + hostId + ", Return code : " + std::to_string(result),
         logLevel::ordinary);
-    return failure;
+    return result;
 }
 
 int AkHostMgmtList::printHosts(std::string response) {
@@ -219,11 +220,8 @@ void AkHostMgmtList::printOutput(std::string response) {
     printedReply = payload.take();
 }
 
-ListPrinter& AkHostMgmtList::printer() {
-    if (!listPrinter) {
-        listPrinter.emplace(isGiven(args, option::shortOutput), listOperation == OP_ALL_MAPPINGS);
-    }
-    return *listPrinter;
+ListPrinter AkHostMgmtList::printer() const {
+    return {isGiven(args, option::shortOutput), listOperation == OP_ALL_MAPPINGS};
 }
 
 void AkHostMgmtList::printMappedHostNames(json_t* host, const char* primaryName) {

@@ -4,7 +4,6 @@
 #include "hostmgmt/listing/ListPrinter.h"
 
 #include <cstdint>
-#include <optional>
 #include <string>
 
 class ArgumentRules;
@@ -46,12 +45,11 @@ private:
     int readOwnHostId(std::string& hostId);
     int printHosts(std::string response);
     int reportNothingFound();
-    ListPrinter& printer();
+    ListPrinter printer() const;
 
     std::int32_t optionCount = 0;    ///< the number of filters given
     bool hostList = true;            ///< false: the reply is one host record
     bool ownMappings = false;        ///< the reply is the local host's own record
     std::int32_t listOperation = 0;  ///< OP_ALL_MAPPINGS in the unfiltered listing
     bool replyParsed = false;        ///< the JSON object holds the reply already
-    std::optional<ListPrinter> listPrinter;
 };

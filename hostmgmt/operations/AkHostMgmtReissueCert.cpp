@@ -68,11 +68,11 @@ void AkHostMgmtReissueCert::checkArguments() {
 
 int AkHostMgmtReissueCert::execute() {
     return changeHost(
-        {OP_HOST, CURL_PATCH}, [this] { setJSONObject("autoReissue", json_boolean(isWanted())); },
+        {OP_HOST, CURL_PATCH}, [this] { setJSONObject("autoReissue", json_boolean(enables())); },
         [this](int httpCode) { printMessageString(httpCode); });
 }
 
-bool AkHostMgmtReissueCert::isWanted() const {
+bool AkHostMgmtReissueCert::enables() const {
     return numberOf(args, option::autoreissue) != 0;
 }
 
@@ -80,8 +80,8 @@ void AkHostMgmtReissueCert::printMessageString(int httpCode) {
     std::string meaning;
     std::string outcome;
     if (httpCode == httpStatus::ok || httpCode == httpStatus::noContent) {
-        meaning = messageText(isWanted() ? whatEnablingMeans : whatDisablingMeans);
-        outcome = messageText(isWanted() ? enabled : disabled, resolvedHostId.c_str());
+        meaning = messageText(enables() ? whatEnablingMeans : whatDisablingMeans);
+        outcome = messageText(enables() ? enabled : disabled, resolvedHostId.c_str());
     }
     reportSuccess(meaning, operationLog);
     reportSuccess(outcome, operationLog);

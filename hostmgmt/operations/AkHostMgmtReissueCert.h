@@ -2,8 +2,8 @@
 
 #include "hostmgmt/AkHostMgmtBaseOption.h"
 
-/// `-allowautoreissuecert`: gives or takes away the permission to reissue a host's certificate
-/// without a reissue token. The server takes a permission away by itself after 48 hours.
+/// `-allowautoreissuecert`: grants or revokes the permission to reissue a host's certificate
+/// without a reissue token. The server revokes it after 48 hours.
 class AkHostMgmtReissueCert : public AkHostMgmtBaseOption {
 public:
     static const PARAMETERS paramList[6];
@@ -26,5 +26,6 @@ public:
     void printMessageString(int httpCode);
 
 private:
-    bool isWanted() const;
+    /// Whether the command line grants the permission.
+    bool enables() const;
 };

@@ -95,12 +95,12 @@ HostIdResult findOwnHostId(const PrimaryServer& server, const CLogcmd& log) {
         return {status::noPrimaryServer, {}};
     }
     std::array<char, 64> buffer{};
-    const Status failure{
+    const Status result{
         getHostID(localCertificateType(), name.c_str(), buffer.data(), buffer.size())};
-    if (failure != status::success) {
+    if (result != status::success) {
         log.logit(
-            where + ", getHostID() failed, retval = " + std::to_string(failure), logLevel::failure);
-        return {failure, {}};
+            where + ", getHostID() failed, retval = " + std::to_string(result), logLevel::failure);
+        return {result, {}};
     }
     log.logit(where + ", UUID = " + buffer.data(), logLevel::ordinary);
     return {status::success, buffer.data()};

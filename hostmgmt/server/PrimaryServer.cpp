@@ -5,13 +5,13 @@
 #include "arkeon/console.h"
 #include "arkeon/host_identity.h"
 #include "arkeon/master_config.h"
+#include "arkeon/media_type.h"
 #include "cmdframework/Logcmd.h"
 #include "cmdframework/Messages.h"
 #include "hostmgmt/Json.h"
 #include "hostmgmt/OptionNames.h"
 #include "hostmgmt/server/ServerErrors.h"
 
-#include <array>
 #include <optional>
 #include <stdexcept>
 
@@ -52,21 +52,6 @@ bool isSuccess(CurlRequestType method, int httpCode) {
            (httpCode == httpStatus::noContent && mayBeEmpty);
 }
 
-Status callClient(AKClientCURL& client, const ServerRequest& request, const std::string& uri) {
-    switch (request.method) {
-    case CURL_PUT:
-        return Status{client.Put(uri, request.body)};
-    case CURL_DELETE:
-        return Status{client.Delete(uri)};
-    case CURL_PATCH:
-        return Status{client.Patch(uri, request.body)};
-    case CURL_POST:
-        return Status{client.Post(uri, request.body)};
-    default:
-        return Status{client.Get(uri)};
-    }
-}
-
 ServerReply failed(Status status) {
     return {status, 0, {}};
 }
@@ -89,10 +74,9 @@ std::string PrimaryServer::name() const {
         return valueOf(args_, option::server);
     }
     if (const CatalogueText* fault = masterConfigFault(); fault != nullptr) {
-        std::array<char, failureTextSize> text{};
-        getMessage(text.data(), text.size(), fault->id, fault->text, commandName, nullptr, nullptr);
-        Console::standard().writeError(std::string(text.data()) + "\n");
-        log_.logit(text.data(), logLevel::failure);
+        const std::string text = messageText(*fault, commandName);
+        Console::standard().writeError(text + "\n");
+        log_.logit(text, logLevel::failure);
         // Not caught by anyone, on purpose: the process aborts.
         throw std::logic_error(getECMessage(status::noPrimaryServer));
     }
@@ -175,7 +159,7 @@ PrimaryServer::prepare(AKClientCURL& client, const ServerRequest& request, std::
         return failure;
     }
     uri = this->uri(request.operation, request.hostId, encodedName);
-    // Never so: every operation has a resource.
+    // Unreachable: every operation has a resource.
     if (uri.empty()) {
         Console::standard().writeError("URI is empty\n");
         log_.logit("URI is empty", logLevel::failure);
@@ -195,14 +179,14 @@ PrimaryServer::prepare(AKClientCURL& client, const ServerRequest& request, std::
 
 Status PrimaryServer::encodeName(
     AKClientCURL& client, const std::string& plain, std::string& encoded) const {
-    const Status failure{client.encodeUriString(plain, encoded)};
-    if (failure != status::success) {
+    const Status result{client.encodeUriString(plain, encoded)};
+    if (result != status::success) {
         const std::string text =
-            "Unable to encode hostname : " + plain + ", error : " + std::to_string(failure);
+            "Unable to encode hostname : " + plain + ", error : " + std::to_string(result);
         log_.logit(text, logLevel::ordinary);
         Console::standard().writeError(text + "\n");
     }
-    return failure;
+    return result;
 }
 
 Status PrimaryServer::auditHeaderLine(AKClientCURL& client, std::string& line) const {
@@ -221,18 +205,34 @@ Status PrimaryServer::auditHeaderLine(AKClientCURL& client, std::string& line) c
 
 Status PrimaryServer::perform(
     AKClientCURL& client, const ServerRequest& request, const std::string& uri) const {
-    // Never so: every operation has one of the five methods.
-    if (request.method < CURL_GET || request.method > CURL_POST) {
+    int result = status::success;
+    switch (request.method) {
+    case CURL_GET:
+        result = client.Get(uri);
+        break;
+    case CURL_PUT:
+        result = client.Put(uri, request.body);
+        break;
+    case CURL_DELETE:
+        result = client.Delete(uri);
+        break;
+    case CURL_PATCH:
+        result = client.Patch(uri, request.body);
+        break;
+    case CURL_POST:
+        result = client.Post(uri, request.body);
+        break;
+    default:
+        // Unreachable: every operation has one of the five methods.
         Console::standard().writeError(
             "Unknown Request Type " + std::to_string(request.method) + "\n");
         log_.logit("Unknown Request Type", logLevel::failure);
         return status::generalFailure;
     }
-    const Status result = callClient(client, request, uri);
     if (result != status::success) {
         log_.logit(
             "Failed to perform curl request for URI :" + uri + " retval :" + std::to_string(result),
             logLevel::failure);
     }
-    return result;
+    return Status{result};
 }

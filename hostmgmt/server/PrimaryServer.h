@@ -41,7 +41,9 @@ public:
     std::string
     uri(OperationType operation, const std::string& hostId, const std::string& encodedName) const;
 
-    /// Sends a request. The status is `success` if a reply arrived, whatever its HTTP status.
+    /// Sends a request. The status is `success` if a reply arrived, whatever its HTTP status; else
+    /// the client's, 37 (the server's name is empty), 8614 or 20.
+    /// @throws std::logic_error from `name`
     ServerReply exchange(const ServerRequest& request) const;
 
     /// Sends a request and decides whether it succeeded: the HTTP status is 200 or 201, or 204 for

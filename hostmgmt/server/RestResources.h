@@ -1,7 +1,5 @@
 #pragma once
 
-#include "arkeon/media_type.h"
-
 #include <string>
 
 /// The REST resources of the host database; the number chooses the URI.

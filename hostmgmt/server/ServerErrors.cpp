@@ -44,7 +44,7 @@ readErrorReply(const std::string& reply, JsonPayload& payload, const CLogcmd& lo
 }
 
 bool isLoginFailure(int code) {
-    return code == status::notLoggedIn || code == status::loginRefused ||
+    return code == status::notLoggedIn || code == status::unusableLogin ||
            code == status::loginExpired;
 }
 
@@ -56,7 +56,7 @@ void reportStatus(int code, const CLogcmd& log) {
     if (code == status::success) {
         return;
     }
-    if (code == status::loginRefused || code == status::loginExpired) {
+    if (code == status::unusableLogin || code == status::loginExpired) {
         log.logit(loginRequiredMessage(), logLevel::failure);
         printLoginRequired();
     }

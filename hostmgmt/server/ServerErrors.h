@@ -8,9 +8,8 @@ class JsonPayload;
 
 /// Reads and logs the code and the message of a server's error reply.
 /// @param payload receives the parsed reply
-/// @return the code; nothing if the code or the message is missing or of another type, or the code
-/// does
-///         not fit in 32 bits
+/// @return the code; nothing if the code or the message is missing or of another type, or the
+///         code does not fit in 32 bits
 std::optional<int>
 readErrorReply(const std::string& reply, JsonPayload& payload, const CLogcmd& log);
 

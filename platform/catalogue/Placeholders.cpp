@@ -24,14 +24,14 @@ public:
 
 private:
     bool parseConversion();
-    std::size_t takePosition();
+    std::size_t readPosition();
     bool skipNumber();
     bool skipWidthAndPrecision();
     bool readType(std::string& type) const;
     bool place(std::size_t position, std::string type);
-    void skipAny(std::string_view letters);
+    void skipAny(std::string_view characters);
 
-    static constexpr std::size_t mostArguments = 9;
+    static constexpr std::size_t maxArguments = 9;
     std::string_view text_;
     ArgumentTypes types_;
     std::size_t count_ = 0;
@@ -55,14 +55,14 @@ std::optional<ArgumentTypes> FormatParser::parse() {
 }
 
 bool FormatParser::parseConversion() {
-    const std::size_t position = takePosition();
+    const std::size_t position = readPosition();
     std::string type;
     skipAny("-+ #0'");
     return skipWidthAndPrecision() && readType(type) && place(position, std::move(type));
 }
 
 /// The position of `2$`; 0 when there is none.
-std::size_t FormatParser::takePosition() {
+std::size_t FormatParser::readPosition() {
     if (text_.size() < 2 || text_[1] != '$' || text_[0] < '1' || text_[0] > '9') {
         return 0;
     }
@@ -71,16 +71,16 @@ std::size_t FormatParser::takePosition() {
     return position;
 }
 
-void FormatParser::skipAny(std::string_view letters) {
-    const std::size_t end = text_.find_first_not_of(letters);
+void FormatParser::skipAny(std::string_view characters) {
+    const std::size_t end = text_.find_first_not_of(characters);
     text_.remove_prefix(end == std::string_view::npos ? text_.size() : end);
 }
 
 bool FormatParser::skipNumber() {
-    constexpr std::size_t mostDigits = 3;
+    constexpr std::size_t maxDigits = 3;
     const std::size_t before = text_.size();
     skipAny(digits);
-    return before - text_.size() <= mostDigits;
+    return before - text_.size() <= maxDigits;
 }
 
 bool FormatParser::skipWidthAndPrecision() {
@@ -94,7 +94,7 @@ bool FormatParser::skipWidthAndPrecision() {
     return skipNumber();
 }
 
-/// What is read stays in front of the rest: it has no `%`.
+/// Consumes nothing: what it reads holds no `%`, so `parse` skips it.
 bool FormatParser::readType(std::string& type) const {
     const std::size_t end = text_.find_first_not_of("hlqLjzt");
     if (end == std::string_view::npos) {
@@ -112,7 +112,7 @@ bool FormatParser::place(std::size_t position, std::string type) {
     }
     positional_ = position != 0;
     const std::size_t index = positional_ ? position - 1 : count_;
-    if (++count_ > mostArguments) {
+    if (++count_ > maxArguments) {
         return false;
     }
     if (types_.size() <= index) {

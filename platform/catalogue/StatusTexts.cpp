@@ -1,7 +1,6 @@
 #include "arkeon/catalogue.h"
 #include "arkeon/status.h"
 #include "arkeon/status_table.h"
-#include "arkeon/text.h"
 #include "catalogue/Translate.h"
 
 #include <algorithm>
@@ -28,11 +27,11 @@ constexpr int codeOf(std::string_view context) {
 /// One row. xgettext extracts it with `--keyword=statusText:2c,3`; a context that is not the code's
 /// does not compile.
 consteval StatusText
-statusText(Status code, const char* context, const char* sentence, Retry retry) {
+statusText(Status code, const char* context, const char* message, Retry retry) {
     if (!std::string_view(context).starts_with(contextPrefix) || codeOf(context) != code) {
         throw std::logic_error("the context must be \"Status\" and the code");
     }
-    return {code, context, sentence, retry};
+    return {code, context, message, retry};
 }
 
 constexpr std::array statusTexts{
@@ -49,7 +48,7 @@ constexpr std::array statusTexts{
         status::fileNotFound, "Status104",
         "The file does not exist; check the path that was given.", Retry::no),
     statusText(
-        status::loginRefused, "Status117",
+        status::unusableLogin, "Status117",
         "The stored login cannot be used: its file is damaged or others than its owner can access "
         "it; log in again.",
         Retry::no),
@@ -205,9 +204,9 @@ static_assert(
         statusTexts.end(),
     "the codes ascend, each once");
 
-const char* translated(const zvlocale& locale, const char* context, const char* sentence) {
-    const char* text = translate(locale, context, sentence);
-    return text == nullptr ? sentence : text;
+const char* translated(const zvlocale& locale, const char* context, const char* message) {
+    const char* text = translate(locale, context, message);
+    return text == nullptr ? message : text;
 }
 
 const char* unknownStatus(int status, const zvlocale& locale) {
@@ -234,5 +233,5 @@ const char* getECmsgl(int status, const zvlocale& locale) {
         [status](const arkeon::StatusText& text) { return text.code == status; });
     return row == arkeon::statusTexts.end()
                ? arkeon::unknownStatus(status, locale)
-               : arkeon::translated(locale, row->context, row->sentence);
+               : arkeon::translated(locale, row->context, row->message);
 }

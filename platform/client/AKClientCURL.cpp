@@ -7,8 +7,8 @@
 #include "client/Credentials.h"
 #include "client/HttpsModule.h"
 #include "client/RequestText.h"
-#include "client/ServerName.h"
 #include "log/Report.h"
+#include "text/ServerNames.h"
 
 #include <chrono>
 #include <vector>

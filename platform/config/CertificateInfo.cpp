@@ -33,8 +33,9 @@ readKey(const std::string& path, const toml::table& table, const char* key, std:
     const toml::node* node = table.get(key);
     const std::optional<std::string> text = plainText(node);
     if (!text || text->empty()) {
-        const toml::node& place = node == nullptr ? static_cast<const toml::node&>(table) : *node;
-        return malformed(path, place, std::string(key) + " is missing, empty or no text");
+        const toml::node& location =
+            node == nullptr ? static_cast<const toml::node&>(table) : *node;
+        return malformed(path, location, std::string(key) + " is missing, empty or no text");
     }
     value = *text;
     return status::success;

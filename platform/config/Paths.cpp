@@ -3,7 +3,6 @@
 #include <cstdlib>
 #include <pwd.h>
 #include <unistd.h>
-#include <vector>
 
 namespace arkeon {
 namespace {
@@ -13,15 +12,8 @@ bool isAbsolute(const std::string& path) {
 }
 
 std::string homeFromPasswordDatabase() {
-    constexpr std::size_t longestEntry = std::size_t{64} * 1024;
-    std::vector<char> strings(longestEntry);
-    passwd entry{};
-    passwd* found = nullptr;
-    if (getpwuid_r(geteuid(), &entry, strings.data(), strings.size(), &found) != 0 ||
-        found == nullptr || found->pw_dir == nullptr) {
-        return {};
-    }
-    return found->pw_dir;
+    const passwd* entry = getpwuid(geteuid());
+    return entry == nullptr || entry->pw_dir == nullptr ? "" : entry->pw_dir;
 }
 
 std::string homeDirectory() {

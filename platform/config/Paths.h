@@ -16,7 +16,7 @@ std::string masterConfigFile();
 std::string certificateInfoFile();
 std::string localeDirectory();
 
-/// The user's login file; empty when the user has no home folder.
+/// The user's login file; empty when the user has no home directory.
 std::string loginFile();
 
 }  // namespace arkeon

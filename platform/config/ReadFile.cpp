@@ -44,20 +44,20 @@ ssize_t readSome(int descriptor, char* buffer, std::size_t size) {
     return count;
 }
 
-/// Reads to the end, whatever size fstat told: the file may grow meanwhile.
+/// Reads to the end, whatever size fstat reported: the file may grow meanwhile.
 FileContent readAll(int descriptor, std::size_t limit) {
     constexpr std::size_t step = std::size_t{64} * 1024;
     FileContent content;
-    std::string piece(step, '\0');
+    std::string chunk(step, '\0');
     for (;;) {
-        const ssize_t count = readSome(descriptor, piece.data(), piece.size());
+        const ssize_t count = readSome(descriptor, chunk.data(), chunk.size());
         if (count < 0) {
             return failure(errno);
         }
         if (count == 0) {
             return content;
         }
-        content.text.append(piece, 0, static_cast<std::size_t>(count));
+        content.text.append(chunk, 0, static_cast<std::size_t>(count));
         if (content.text.size() > limit) {
             return failure(EFBIG, "larger than " + std::to_string(limit) + " bytes");
         }

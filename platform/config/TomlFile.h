@@ -19,7 +19,7 @@ TomlResult readToml(const std::string& path, toml::table& table);
 /// "FILE, line L, column C", for the log.
 std::string place(const std::string& path, const toml::source_region& region);
 
-/// The text of `node`, if it is a text that a C string can hold.
+/// The string value of `node`; empty if it is not a string or contains a NUL.
 std::optional<std::string> plainText(const toml::node* node);
 
 }  // namespace arkeon

@@ -64,7 +64,7 @@ public:
     void setMethod(const HttpsRequest& request);
     void setTls(const Credentials& credentials);
     void setLimits(const TransferLimits& limits);
-    void forbidEverythingElse();
+    void disableProxyRedirectAndNetrc();
 
     CURLcode failure() const { return failure_; }
 
@@ -82,7 +82,7 @@ void Options::setTarget(const HttpsRequest& request, CURLU* url, curl_slist* hea
     set(CURLOPT_HTTPHEADER, headers);
 }
 
-/// A body is sent the way of a POST, whatever the method is called.
+/// Any request with a body is set up as a POST; CURLOPT_CUSTOMREQUEST only changes the method name.
 void Options::setMethod(const HttpsRequest& request) {
     set(CURLOPT_HTTPGET, 1L);
     if (request.body != nullptr) {
@@ -120,7 +120,7 @@ void Options::setLimits(const TransferLimits& limits) {
 }
 
 /// No proxy (an empty one overrides the environment), no redirect, no .netrc.
-void Options::forbidEverythingElse() {
+void Options::disableProxyRedirectAndNetrc() {
     set(CURLOPT_PROXY, "");
     set(CURLOPT_FOLLOWLOCATION, 0L);
     set(CURLOPT_NETRC, static_cast<long>(CURL_NETRC_IGNORED));
@@ -148,8 +148,8 @@ private:
 };
 
 /// Whether the kept connection has something to read although nothing was asked: the server has
-/// closed it or is about to. libcurl takes a connection on which TLS's close_notify is waiting for
-/// a live one.
+/// closed it or is about to. libcurl considers a connection alive while an unread close_notify
+/// waits on it.
 bool CurlTransport::connectionEnded() const {
     curl_socket_t socket = CURL_SOCKET_BAD;
     if (curl_easy_getinfo(handle_.get(), CURLINFO_ACTIVESOCKET, &socket) != CURLE_OK ||
@@ -169,10 +169,9 @@ HttpsReply CurlTransport::send(const HttpsRequest& request, const Credentials& c
     }
     notes_ = TransferNotes();
     notes_.bodyLimit = limits_.bodyBytes;
-    HttpsReply reply = perform(request, credentials);
-    // The options point to this request; the handle must not keep them.
-    curl_easy_reset(handle_.get());
-    return reply;
+    // The options point to this request, so the handle must not keep them.
+    const std::unique_ptr<CURL, Release<curl_easy_reset>> reset(handle_.get());
+    return perform(request, credentials);
 }
 
 HttpsReply CurlTransport::perform(const HttpsRequest& request, const Credentials& credentials) {
@@ -188,9 +187,9 @@ HttpsReply CurlTransport::perform(const HttpsRequest& request, const Credentials
     options.setMethod(request);
     options.setTls(credentials);
     options.setLimits(limits_);
-    options.forbidEverythingElse();
+    options.disableProxyRedirectAndNetrc();
     const CURLcode failure =
-        options.failure() == CURLE_OK ? takeNotes(handle_.get(), notes_) : options.failure();
+        options.failure() == CURLE_OK ? installCallbacks(handle_.get(), notes_) : options.failure();
     if (failure != CURLE_OK) {
         return failed(status::clientFailure, curl_easy_strerror(failure));
     }

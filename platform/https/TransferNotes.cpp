@@ -146,7 +146,7 @@ CURLcode setCallback(
 
 }  // namespace
 
-CURLcode takeNotes(CURL* handle, TransferNotes& notes) {
+CURLcode installCallbacks(CURL* handle, TransferNotes& notes) {
     notes.handle = handle;
     const CURLcode results[] = {
         setCallback(handle, CURLOPT_WRITEFUNCTION, onBody, CURLOPT_WRITEDATA, notes),

@@ -27,6 +27,6 @@ struct TransferNotes {
 
 /// Makes `handle` report to `notes`, which must outlive all connections of the handle.
 /// @return CURLE_OK or the first option's failure
-CURLcode takeNotes(CURL* handle, TransferNotes& notes);
+CURLcode installCallbacks(CURL* handle, TransferNotes& notes);
 
 }  // namespace arkeon

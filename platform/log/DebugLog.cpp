@@ -25,11 +25,11 @@ std::string logPath(const char* root, const char* directory, const char* name) {
            ".log";
 }
 
-void appendLine(int level, std::initializer_list<std::string_view> pieces, std::string_view name) {
+void appendLine(int level, std::initializer_list<std::string_view> parts, std::string_view name) {
     if (debugLog().known()) {
         LogStamp stamp{{}, getpid(), level, name};
         clock_gettime(CLOCK_REALTIME, &stamp.time);
-        debugLog().append(logLine(stamp, pieces));
+        debugLog().append(logLine(stamp, parts));
     }
 }
 
@@ -47,10 +47,10 @@ void logmsg(int level, const char* text, const char* name) {
 }
 
 /// A log that cannot be written changes nothing for the caller, not even errno.
-void logmsg(int level, std::initializer_list<std::string_view> pieces, std::string_view name) {
+void logmsg(int level, std::initializer_list<std::string_view> parts, std::string_view name) {
     const int callersErrno = errno;
     try {
-        arkeon::appendLine(level, pieces, name);
+        arkeon::appendLine(level, parts, name);
     } catch (const std::bad_alloc&) {
         // Out of memory: the line is dropped.
     }

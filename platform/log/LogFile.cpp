@@ -31,7 +31,7 @@ int aboveStandardStreams(int descriptor) {
     return moved;
 }
 
-/// Opens a regular file with one link; nothing here can wait (a FIFO without a reader gives ENXIO).
+/// Opens a regular file with one link; never blocks (a FIFO without a reader fails with ENXIO).
 /// @return 0 or an errno value
 int openChecked(const std::string& path, mode_t mode, int& descriptor) {
     constexpr int flags =

@@ -9,26 +9,26 @@
 namespace arkeon {
 namespace {
 
-void appendControl(std::string& line, char letter) {
-    if (letter == '\n') {
+void appendControl(std::string& line, char byte) {
+    if (byte == '\n') {
         line += "\\n";
-    } else if (letter == '\t') {
+    } else if (byte == '\t') {
         line += "\\t";
     } else {
-        appendHex(line, letter);
+        appendHex(line, byte);
     }
 }
 
 /// C0 and DEL; C1 as well as a single byte, which a terminal in an 8-bit character set obeys.
-bool isControlByte(char letter) {
-    const unsigned byte = static_cast<unsigned char>(letter);
-    return isControl(letter) || (byte >= 0x80U && byte <= 0x9FU);
+bool isControlByte(char byte) {
+    const unsigned value = static_cast<unsigned char>(byte);
+    return isControl(byte) || (value >= 0x80U && value <= 0x9FU);
 }
 
 /// Appends `text` with its control characters in a visible form; other bytes stay as they are.
 void appendEscaped(std::string& line, std::string_view text) {
     while (!text.empty()) {
-        const std::size_t length = utf8LetterLength(text);
+        const std::size_t length = utf8CharacterLength(text);
         if (startsWithUtf8C1(text)) {
             appendHex(line, text[0]);
             appendHex(line, text[1]);
@@ -62,23 +62,23 @@ void appendStamp(std::string& line, const LogStamp& stamp) {
 }
 
 /// The text's length without one final newline.
-std::size_t textLength(std::initializer_list<std::string_view> pieces) {
+std::size_t textLength(std::initializer_list<std::string_view> parts) {
     std::size_t length = 0;
     bool endsInNewline = false;
-    for (const std::string_view piece : pieces) {
-        length += piece.size();
-        endsInNewline = piece.empty() ? endsInNewline : piece.back() == '\n';
+    for (const std::string_view part : parts) {
+        length += part.size();
+        endsInNewline = part.empty() ? endsInNewline : part.back() == '\n';
     }
     return endsInNewline ? length - 1 : length;
 }
 
-/// Appends the first `room` bytes of the text, without splitting a UTF-8 letter.
+/// Appends the first `room` bytes of the text, without splitting a UTF-8 character.
 void appendText(
-    std::string& line, std::initializer_list<std::string_view> pieces, std::size_t room) {
-    for (const std::string_view piece : pieces) {
-        const std::string_view fitting = cutText(piece, room);
+    std::string& line, std::initializer_list<std::string_view> parts, std::size_t room) {
+    for (const std::string_view part : parts) {
+        const std::string_view fitting = cutText(part, room);
         appendEscaped(line, fitting);
-        if (fitting.size() < piece.size()) {
+        if (fitting.size() < part.size()) {
             return;
         }
         room -= fitting.size();
@@ -87,12 +87,12 @@ void appendText(
 
 }  // namespace
 
-std::string logLine(const LogStamp& stamp, std::initializer_list<std::string_view> pieces) {
+std::string logLine(const LogStamp& stamp, std::initializer_list<std::string_view> parts) {
     std::string line;
     appendStamp(line, stamp);
-    const std::size_t length = textLength(pieces);
-    appendText(line, pieces, length < longestLogText ? length : longestLogText);
-    if (length > longestLogText) {
+    const std::size_t length = textLength(parts);
+    appendText(line, parts, length < maxLogText ? length : maxLogText);
+    if (length > maxLogText) {
         line += "... [cut, " + std::to_string(length) + " bytes in all]";
     }
     line += '\n';

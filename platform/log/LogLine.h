@@ -8,10 +8,10 @@
 
 namespace arkeon {
 
-/// No text of a line is longer, in bytes before they are made visible.
-inline constexpr std::size_t longestLogText = std::size_t{64} * 1024;
+/// Maximum text of a line, in bytes before escaping.
+inline constexpr std::size_t maxLogText = std::size_t{64} * 1024;
 
-/// What stands before the text of a line.
+/// The fields before a line's text.
 struct LogStamp {
     std::timespec time;
     pid_t process;
@@ -19,9 +19,9 @@ struct LogStamp {
     std::string_view name;
 };
 
-/// "2026-11-21T08:15:30.123+0100 PID LEVEL NAME: text" with its newline. The pieces are one text,
-/// of which no letter reaches over two; only what fits is copied.
-std::string logLine(const LogStamp& stamp, std::initializer_list<std::string_view> pieces);
+/// "2026-11-21T08:15:30.123+0100 PID LEVEL NAME: text" with its newline. `parts` are
+/// concatenated; no UTF-8 character may span two of them. Only what fits is copied.
+std::string logLine(const LogStamp& stamp, std::initializer_list<std::string_view> parts);
 
 /// The day of a log file's name, "20261121", in local time.
 std::string logDay(std::time_t time);

@@ -5,7 +5,6 @@
 #include "text/ServerNames.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <jansson.h>
 #include <memory>
 #include <unistd.h>
@@ -68,7 +67,7 @@ bool readLogins(const json_t* root, std::vector<Login>& logins) {
 }
 
 /// Why the file's state forbids trusting it; empty when it does not.
-std::string_view distrust(const FileContent& file) {
+std::string_view rejectionReason(const FileContent& file) {
     constexpr mode_t groupAndOthers = 077;
     if (file.error != 0) {
         return file.reason;
@@ -81,7 +80,7 @@ std::string_view distrust(const FileContent& file) {
 
 Status rejected(std::string_view path, std::string_view reason) {
     report({path, ": ", reason});
-    return status::loginRefused;
+    return status::unusableLogin;
 }
 
 /// jansson's own error text quotes the file and with it, maybe, a token: only the place is logged.
@@ -100,7 +99,7 @@ Status LoginFile::read(const std::string& path) {
         report({"no login file: \"", path, "\""});
         return status::notLoggedIn;
     }
-    if (const std::string_view reason = distrust(file); !reason.empty()) {
+    if (const std::string_view reason = rejectionReason(file); !reason.empty()) {
         return rejected(path, reason);
     }
     json_error_t error{};

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t bufferSize = std::size_t{64} * 1024;
 
-/// Waits until a descriptor that somebody else has made non-blocking takes or gives bytes again.
+/// Waits until a descriptor that another process made non-blocking is ready.
 bool waitUntilReady(int descriptor, short event) {
     pollfd waiting{descriptor, event, 0};
     return poll(&waiting, 1, -1) >= 0 || errno == EINTR;
@@ -36,7 +36,7 @@ int writeAll(int descriptor, std::string_view text) {
 }
 
 /// Reads one byte.
-/// @return false at the end of the input, which a failure is, too
+/// @return false at end of input or if the read failed
 bool readByte(int descriptor, char& byte) {
     ssize_t count = ::read(descriptor, &byte, 1);
     while (count < 0 && mayTryAgain(descriptor, POLLIN)) {
@@ -51,7 +51,7 @@ bool isClosed(int descriptor) {
 
 /// open(2) takes the lowest free descriptor, which is the closed one when those below are open. The
 /// access mode is the one that the stream is not used with, so that its use fails with EBADF.
-void takeClosedStreams() {
+void occupyClosedStreams() {
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (isClosed(descriptor)) {
             static_cast<void>(open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY));
@@ -62,8 +62,8 @@ void takeClosedStreams() {
 }  // namespace
 
 Console& Console::standard() {
-    static const bool taken = (takeClosedStreams(), true);
-    static_cast<void>(taken);
+    static const bool occupied = (occupyClosedStreams(), true);
+    static_cast<void>(occupied);
     static Console console(STDOUT_FILENO, STDERR_FILENO, STDIN_FILENO);
     return console;
 }
@@ -94,7 +94,7 @@ void Console::write(std::string_view text) {
     }
 }
 
-/// A large text, such as a whole reply, goes out without a copy.
+/// Writes a large text without copying it.
 void Console::writeThrough(std::string_view text) {
     if (flush()) {
         outputError_ = writeAll(output_, text);
@@ -118,7 +118,7 @@ Console::Line Console::readLine() {
         if (byte == '\n') {
             return line;
         }
-        if (line.text.size() < longestLine) {
+        if (line.text.size() < maxLineLength) {
             line.text += byte;
         }
     }

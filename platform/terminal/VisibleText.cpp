@@ -12,14 +12,14 @@ void appendCaret(std::string& shown, unsigned byte) {
     shown += static_cast<char>(byte ^ keyBit);
 }
 
-bool isShownAsCaret(char letter) {
-    return isControl(letter) && letter != '\n' && letter != '\t';
+bool isShownAsCaret(char byte) {
+    return isControl(byte) && byte != '\n' && byte != '\t';
 }
 
-/// Appends the first letter or byte of `text` in visible form.
+/// Appends the first character of `text` in visible form, or its first byte if that is not UTF-8.
 /// @return how many bytes of `text` that was
 std::size_t appendVisible(std::string& shown, std::string_view text) {
-    const std::size_t length = utf8LetterLength(text);
+    const std::size_t length = utf8CharacterLength(text);
     if (length == 0) {
         appendHex(shown, text[0]);
         return 1;

@@ -10,22 +10,13 @@
 namespace arkeon {
 namespace {
 
-/// The length that printf returned; 0 for a text that cannot be formatted. Its other failures mean
-/// out of memory, when an empty text must not pass for the right one.
+/// `length`, or 0 if the text cannot be converted (EILSEQ). Every other failure of printf is
+/// treated as out of memory.
 std::size_t checkedLength(int length) {
     if (length < 0 && errno != EILSEQ) {
         throw std::bad_alloc();
     }
     return length < 0 ? 0 : static_cast<std::size_t>(length);
-}
-
-/// Formats once more with room for the character that the end of the buffer would split, since only
-/// then a split character differs from bytes that are not UTF-8.
-std::size_t formatCut(char* buffer, std::size_t size, const char* format, std::va_list arguments) {
-    constexpr std::size_t restOfCharacter = 3;  // of the 4 bytes that it has at most
-    std::string text(size + restOfCharacter, '\0');
-    checkedLength(std::vsnprintf(text.data(), text.size(), format, arguments));
-    return boundedCopy(buffer, size, text);
 }
 
 }  // namespace
@@ -65,12 +56,14 @@ boundedFormatV(char* buffer, std::size_t size, const char* format, std::va_list 
     }
     std::va_list again;
     va_copy(again, arguments);
-    // An exception leaves va_end out, which does nothing where this runs.
     const int printed = std::vsnprintf(buffer, size, format, arguments);
     buffer[0] = printed < 0 ? '\0' : buffer[0];
     std::size_t length = checkedLength(printed);
     if (length >= size) {
-        length = formatCut(buffer, size, format, again);
+        // The complete text, so that the cut does not split a UTF-8 character.
+        std::string text(length, '\0');
+        std::vsnprintf(text.data(), length + 1, format, again);
+        length = boundedCopy(buffer, size, text);
     }
     va_end(again);
     return length;

@@ -25,7 +25,7 @@ LeadByte fourByteLead(unsigned lead) {
     return {4, lead == 0xF0U ? 0x90U : 0x80U, lead == 0xF4U ? 0x8FU : 0xBFU};
 }
 
-/// A byte that leads no letter asks for more than any text has.
+/// An invalid lead byte gets an impossible length, so that the size check fails.
 LeadByte describeLead(unsigned lead) {
     if (lead < 0xC2U || lead > 0xF4U) {
         return {std::string_view::npos, 0, 0};
@@ -38,7 +38,7 @@ LeadByte describeLead(unsigned lead) {
 
 }  // namespace
 
-std::size_t utf8LetterLength(std::string_view text) {
+std::size_t utf8CharacterLength(std::string_view text) {
     if (text.empty()) {
         return 0;
     }
@@ -67,7 +67,7 @@ bool startsWithUtf8C1(std::string_view text) {
 
 bool isUtf8(std::string_view text) {
     while (!text.empty()) {
-        const std::size_t length = utf8LetterLength(text);
+        const std::size_t length = utf8CharacterLength(text);
         if (length == 0) {
             return false;
         }
@@ -83,7 +83,7 @@ std::string_view cutText(std::string_view text, std::size_t limit) {
     for (std::size_t back = 1; back <= limit; ++back) {
         const std::size_t start = limit - back;
         if (!isUtf8Continuation(text[start])) {
-            const bool split = utf8LetterLength(text.substr(start)) > back;
+            const bool split = utf8CharacterLength(text.substr(start)) > back;
             return text.substr(0, split ? start : limit);
         }
     }

@@ -5,11 +5,11 @@
 
 namespace arkeon {
 
-/// The length (1 to 4) of the well-formed UTF-8 letter (RFC 3629) at the start of `text`; 0 when
-/// there is none: the text is empty, ill-formed or ends inside the letter.
-std::size_t utf8LetterLength(std::string_view text);
+/// The length (1 to 4) of the well-formed UTF-8 character (RFC 3629) at the start of `text`; 0 if
+/// there is none: the text is empty, ill-formed or ends inside the character.
+std::size_t utf8CharacterLength(std::string_view text);
 
-/// Whether a byte goes on with a letter that began before it.
+/// Whether `byte` is a UTF-8 continuation byte.
 constexpr bool isUtf8Continuation(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
 }

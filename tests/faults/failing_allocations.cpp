@@ -5,9 +5,7 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <dlfcn.h>
 #include <new>
-#include <sys/auxv.h>
 
 namespace {
 
@@ -24,22 +22,9 @@ bool argumentCopyFails() {
     return outOfMemory(allocation);
 }
 
-Dl_info objectOf(const void* address) {
-    Dl_info object{};
-    dladdr(address, &object);
-    return object;
-}
-
-// Libraries call strdup, too.
-bool isTool(const void* caller) {
-    const void* entry = reinterpret_cast<const void*>(getauxval(AT_ENTRY));
-    return objectOf(caller).dli_fbase == objectOf(entry).dli_fbase;
-}
-
 // toml++ allocates in functions that are noexcept.
 bool isToml(const void* caller) {
-    const char* path = objectOf(caller).dli_fname;
-    return path != nullptr && std::strstr(path, "libtomlplusplus") != nullptr;
+    return std::strstr(object_of(caller), "libtomlplusplus") != nullptr;
 }
 
 }  // namespace
@@ -63,7 +48,8 @@ void* ACE_OS::malloc(std::size_t size) {
 }
 
 extern "C" char* strdup(const char* text) noexcept {
-    if (isTool(__builtin_return_address(0)) && argumentCopyFails()) {
+    const bool isLibrary = *object_of(__builtin_return_address(0)) != '\0';
+    if (!isLibrary && argumentCopyFails()) {
         return nullptr;
     }
     const std::size_t size = std::strlen(text) + 1;

@@ -4,6 +4,7 @@
 #include <dlfcn.h>
 #include <errno.h>
 #include <fcntl.h>
+#include <link.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -46,6 +47,14 @@ int fails(struct call* call) {
 
 int fails_for_good(void) {
     return for_good;
+}
+
+const char* object_of(const void* address) {
+    struct dl_find_object object;
+    if (_dl_find_object((void*)address, &object) != 0) {
+        return "unknown";
+    }
+    return object.dlfo_link_map->l_name;
 }
 
 void* real(void** function, const char* name) {

@@ -32,6 +32,9 @@ int fails(struct call* call);
 /* Returns whether AK_FAULT_FOR_GOOD is set; false once the tool has exited. */
 int fails_for_good(void);
 
+/* Returns the path of the library that contains the address, "" for the executable. */
+const char* object_of(const void* address);
+
 /* Returns the function of this name that this library hides; caches it in `function`, which is null
    at first. */
 void* real(void** function, const char* name);

@@ -9,7 +9,7 @@ CANNOT_FAIL = {
         memchr memcmp memcpy memmove memset __memcpy_chk __memmove_chk __memset_chk strcasecmp_l
         strcasestr strcmp strlen strncmp strnlen strrchr strchr strtoul __isoc23_strtoul inet_pton
         json_array_get json_array_size json_integer_value json_object_get json_string_length
-        json_string_value __errno_location SSL_get_SSL_CTX curl_easy_strerror dlerror""",
+        json_string_value __errno_location timegm SSL_get_SSL_CTX curl_easy_strerror dlerror""",
     "releases or resets": """
         free json_delete curl_easy_cleanup curl_easy_reset curl_url_cleanup curl_slist_free_all
         SSL_CTX_set_info_callback""",
@@ -18,7 +18,7 @@ CANNOT_FAIL = {
         getenv secure_getenv geteuid getpid""",
     "fails for a wrong argument only, and this one is right": """
         clock_gettime time signal unsetenv tzset SSL_CTX_get_ex_data""",
-    "a year that does not fit is shown as an empty date; other times do not fail": "localtime_r",
+    "fails only for a year that does not fit: shown as an empty date": "gmtime_r localtime_r",
     "returns 0 only for a buffer too small, and it is large enough": "strftime",
     "fails for a text that is not JSON; out of memory is jansson's own matter": "json_loadb",
     "finds the one function that the module of the same build exports": "dlsym",

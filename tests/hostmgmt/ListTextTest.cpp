@@ -1,12 +1,13 @@
 #include "hostmgmt/listing/ListText.h"
 
 #include "hostmgmt/Json.h"
-
 #include "hostmgmt/listing/ListLabels.h"
 #include "support/Environment.h"
 #include "support/Streams.h"
+#include "support/TempDir.h"
 
 #include <array>
+#include <cstdlib>
 #include <gtest/gtest.h>
 
 namespace {
@@ -144,6 +145,24 @@ TEST(ListText, TheEndOfTheReissuePermission) {
         "\nAllow Auto Reissue Certificate Validity  : Jan 01, 1970 12:00:00 AM");
 }
 
+TEST(ListText, ASecondRunInOneProcessHasItsOwnLanguage) {
+    const support::TempDir root;
+    const support::ScopedVariable rootVariable("ARKEON_ROOT", root.path());
+    const std::string messages = root.write(
+        "xx.po", "msgid \"\"\nmsgstr \"Content-Type: text/plain; charset=UTF-8\\n\"\n\n"
+                 "msgctxt \"SmeHmm0056N\"\nmsgid \"Allow Auto Reissue Certificate Validity\"\n"
+                 "msgstr \"Gültig bis\"\n");
+    const std::string catalogue = root.write("locale/xx/LC_MESSAGES/akhostmgmt.mo", "");
+    const std::string compile = std::string(MSGFMT) + " -o '" + catalogue + "' '" + messages + "'";
+    ASSERT_EQ(std::system(compile.c_str()), 0);
+    const auto firstLine = [](const char* language) {
+        const support::ScopedVariable variable("LANGUAGE", language);
+        return printedBy([] { printAllowAutoReissueDetails(0); }).out;
+    };
+    EXPECT_TRUE(firstLine("").starts_with("\nAllow Auto Reissue Certificate Validity "));
+    EXPECT_TRUE(firstLine("xx").starts_with("\nGültig bis "));
+}
+
 TEST(ListText, FieldsArePaddedByBytes) {
     const auto padded = [](const char* text, std::size_t width) {
         return printedBy([&] { printPadded(text, width); }).out;
@@ -153,7 +172,7 @@ TEST(ListText, FieldsArePaddedByBytes) {
     EXPECT_EQ(padded("abcde", 4), "abcde");
     EXPECT_EQ(padded(nullptr, 8), "(null)  ");
     EXPECT_EQ(padded("", 0), "");
-    EXPECT_EQ(padded("a", 100), "a" + std::string(99, ' '));
+    EXPECT_EQ(padded("a", 40), "a" + std::string(39, ' '));
 }
 
 TEST(ListText, ALineOfTheLongListing) {

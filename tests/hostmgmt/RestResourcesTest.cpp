@@ -1,4 +1,5 @@
 #include "hostmgmt/server/RestResources.h"
+#include "arkeon/media_type.h"
 
 #include <gtest/gtest.h>
 

@@ -295,7 +295,7 @@ TEST(StatusTable, HasARowForEveryCodeInAscendingOrder) {
     for (const arkeon::StatusText& row : arkeon::statusTable()) {
         codes.push_back(row.code);
         EXPECT_EQ(row.context, "Status" + std::to_string(row.code));
-        EXPECT_STREQ(row.sentence, getECmsgl(row.code, zvlocale{"C", "C"}));
+        EXPECT_STREQ(row.message, getECmsgl(row.code, zvlocale{"C", "C"}));
     }
     EXPECT_THAT(codes, testing::ElementsAreArray(declaredCodes()));
 }

@@ -114,7 +114,7 @@ TEST(ConsoleInput, OnlyTheBeginningOfAVeryLongLineIsKept) {
         input.closeWriter();
     });
     Console console(-1, -1, input.reader());
-    EXPECT_EQ(console.readLine().text, std::string(Console::longestLine, 'x'));
+    EXPECT_EQ(console.readLine().text, std::string(Console::maxLineLength, 'x'));
     EXPECT_EQ(console.readLine().text, "next");
     user.join();
 }

@@ -93,7 +93,7 @@ TEST_F(HttpsRefusalTest, LoginThatCannotBeUsed) {
     auto refusing = client(&tokens);
     EXPECT_EQ(refusing.Get("hosts"), status::notLoggedIn);
     home_.write("arkeon/logins.json", "{}");
-    EXPECT_EQ(refusing.Get("hosts"), status::loginRefused);
+    EXPECT_EQ(refusing.Get("hosts"), status::unusableLogin);
     home_.write(
         "arkeon/logins.json", R"({"logins": [{"server": "127.0.0.1", "port": )" +
                                   std::to_string(server_.port()) +

@@ -39,7 +39,7 @@ protected:
     }
 
     void expectRefused(std::string_view reason) {
-        EXPECT_EQ(find(), status::loginRefused);
+        EXPECT_EQ(find(), status::unusableLogin);
         EXPECT_EQ(token_, "");
         EXPECT_THAT(log_.lines().back(), HasSubstr(home_.file(fileName) + ": "));
         EXPECT_THAT(log_.lines().back(), HasSubstr(std::string(reason)));

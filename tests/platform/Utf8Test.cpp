@@ -7,7 +7,7 @@
 namespace {
 
 using arkeon::startsWithUtf8C1;
-using arkeon::utf8LetterLength;
+using arkeon::utf8CharacterLength;
 
 /// The letter's bytes as RFC 3629 writes them (section 3).
 std::string encoded(unsigned letter) {
@@ -52,7 +52,7 @@ std::size_t lengthByEncoding(const std::string& bytes) {
 constexpr std::array<unsigned char, 14> limits = {0x00, 0x41, 0x7F, 0x80, 0x81, 0x8F, 0x90,
                                                   0x9F, 0xA0, 0xBE, 0xBF, 0xC0, 0xC1, 0xFF};
 
-TEST(Utf8LetterLength, IsThatOfTheShortestFormOfALetter) {
+TEST(Utf8CharacterLength, IsThatOfTheShortestFormOfALetter) {
     for (unsigned lead = 0; lead <= 0xFFU; ++lead) {
         for (const unsigned char second : limits) {
             for (const unsigned char third : limits) {
@@ -60,7 +60,7 @@ TEST(Utf8LetterLength, IsThatOfTheShortestFormOfALetter) {
                     const std::string bytes = {
                         static_cast<char>(lead), static_cast<char>(second),
                         static_cast<char>(third), static_cast<char>(fourth)};
-                    ASSERT_EQ(utf8LetterLength(bytes), lengthByEncoding(bytes))
+                    ASSERT_EQ(utf8CharacterLength(bytes), lengthByEncoding(bytes))
                         << lead << ' ' << int{second} << ' ' << int{third} << ' ' << int{fourth};
                 }
             }
@@ -68,12 +68,12 @@ TEST(Utf8LetterLength, IsThatOfTheShortestFormOfALetter) {
     }
 }
 
-TEST(Utf8LetterLength, IsZeroForATextThatEndsWithinTheLetter) {
-    EXPECT_EQ(utf8LetterLength(""), 0U);
+TEST(Utf8CharacterLength, IsZeroForATextThatEndsWithinTheLetter) {
+    EXPECT_EQ(utf8CharacterLength(""), 0U);
     for (const std::string_view letter : {"\xc3\xa4", "\xe2\x82\xac", "\xf0\x9f\x98\x80"}) {
-        EXPECT_EQ(utf8LetterLength(letter), letter.size());
+        EXPECT_EQ(utf8CharacterLength(letter), letter.size());
         for (std::size_t length = 0; length < letter.size(); ++length) {
-            EXPECT_EQ(utf8LetterLength(letter.substr(0, length)), 0U) << letter;
+            EXPECT_EQ(utf8CharacterLength(letter.substr(0, length)), 0U) << letter;
         }
     }
 }

@@ -13,17 +13,17 @@ namespace arkeon {
 /// `\x9b`), so that no text of a server can steer the administrator's screen.
 class Console {
 public:
-    /// The console of this process, on descriptors 0, 1 and 2. On first use descriptors that were
-    /// closed at the start are taken, so that no file or socket opened later is mistaken for a
-    /// stream; writing to them fails as to a closed stream.
+    /// The console of this process, on descriptors 0, 1 and 2. On first use, descriptors 0 to 2
+    /// that are closed are opened on /dev/null, so that no file or socket gets their number; using
+    /// them fails with EBADF.
     static Console& standard();
 
     /// A line of standard input without its newline.
     struct Line {
-        std::string text;        ///< at most `longestLine` bytes; the rest of a line is dropped
+        std::string text;        ///< at most `maxLineLength` bytes; the rest of a line is dropped
         bool endsInput = false;  ///< no newline ended it, but the end of the input
     };
-    static constexpr std::size_t longestLine = 4096;
+    static constexpr std::size_t maxLineLength = 4096;
 
     /// A console on other descriptors, which it does not own; without input by default.
     Console(int output, int error, int input = -1);
@@ -38,9 +38,9 @@ public:
     /// Writes to standard error at once, after what standard output still holds.
     void writeError(std::string_view text);
 
-    /// Writes out what standard output still holds, then reads a line from standard input. No
-    /// byte after the line is taken, so that whoever shares the input finds the next one. Input
-    /// that cannot be read has ended.
+    /// Writes out what standard output still holds, then reads a line from standard input.
+    /// Bytes after the line are left unread for other readers of the same input. Input that cannot
+    /// be read has ended.
     Line readLine();
 
     /// Writes out what standard output still holds.

@@ -19,19 +19,19 @@ inline constexpr int failure = 16;
 }  // namespace arkeon::logLevel
 
 /// Opens `root/directory/NAME.YYYYMMDD.log` (local date) for appending, creating it with `mode`
-/// less the umask. Anything but a regular file with a single link is refused without waiting for
-/// it: a symbolic link, a hard link, a FIFO, a device.
+/// less the umask. Anything but a regular file with a single link is rejected without blocking: a
+/// symbolic link, a hard link, a FIFO, a device.
 /// @return 0 or more on success; -1 on failure, with the errno value in `*status`
 int open_debug_log(
     const char* root, const char* directory, const char* name, unsigned mode, int* status);
 
 /// Appends one line to the log that was opened last, also after `close_debug_log`. Does nothing
 /// when none was ever opened. A log that cannot be written changes nothing for the caller.
+/// In `text` and `name` null counts as empty.
 void logmsg(int level, const char* text, const char* name);
 
-/// The same for a text in several pieces, which are written as one; for texts that are too large to
-/// be put together only to be cut.
-void logmsg(int level, std::initializer_list<std::string_view> pieces, std::string_view name);
+/// The same for a text in parts, so that a large text is not concatenated only to be cut.
+void logmsg(int level, std::initializer_list<std::string_view> parts, std::string_view name);
 
 /// Releases the log file; a later `logmsg` finds it again by its path.
 void close_debug_log();

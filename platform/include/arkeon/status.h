@@ -11,7 +11,7 @@ enum [[nodiscard]] Status : int{
     generalFailure = 20,          ///< a failure without a code of its own
     noPrimaryServer = 37,         ///< no primary server is known
     fileNotFound = 104,           ///< a named file does not exist
-    loginRefused = 117,           ///< the login file cannot be trusted or read
+    unusableLogin = 117,          ///< the login file cannot be trusted or read
     loginExpired = 118,           ///< the login has expired
     wrongCommandLine = 144,       ///< the command line is wrong
     notLoggedIn = 5930,           ///< no login for this server and port

@@ -2,22 +2,21 @@
 
 #include <span>
 
-/// All that is known of the status codes, as a table. What is made from it, documentation and data
-/// for scripts, reads it here; a run of the tool takes its texts from `getECmsgl`.
+/// The status codes as a table, for documentation and scripts; the tool itself uses `getECmsgl`.
 namespace arkeon {
 
-/// Whether it is of use to run the same command again after a status.
+/// Is it worth retrying?
 enum class Retry {
     no,    ///< it ends the same way until something is changed
     yes,   ///< nothing was done; the command may succeed later
-    check  ///< a change may have been made or not, which is to be looked up first
+    check  ///< the change may have been made; check before retrying
 };
 
 /// One status code, its context in the catalogue, its English text, and the advice on a retry.
 struct StatusText {
     int code;
     const char* context;
-    const char* sentence;
+    const char* message;
     Retry retry;
 };
 

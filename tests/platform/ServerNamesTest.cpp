@@ -1,4 +1,4 @@
-#include "client/ServerName.h"
+#include "text/ServerNames.h"
 
 #include <gtest/gtest.h>
 #include <string>
