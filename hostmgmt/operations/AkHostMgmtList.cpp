@@ -44,17 +44,28 @@ constexpr CatalogueText nothingForOption =
 // Indented by 3, keys in the server's order.
 constexpr std::size_t jsonFlags = JSON_INDENT(3) | JSON_PRESERVE_ORDER;
 
-int writeJson(const char* text, std::size_t size, void* console) {
+struct JsonOutput {
+    Console& console;
+    bool outOfMemory = false;
+};
+
+// Writes nothing after a failure: jansson ignores one in a member's name, and continues.
+int writeJson(const char* text, std::size_t size, void* context) {
+    JsonOutput& output = *static_cast<JsonOutput*>(context);
     try {
-        static_cast<Console*>(console)->write({text, size});
+        if (!output.outOfMemory) {
+            output.console.write({text, size});
+        }
     } catch (const std::bad_alloc&) {  // must not pass through jansson
-        return -1;
+        output.outOfMemory = true;
     }
-    return 0;
+    return output.outOfMemory ? -1 : 0;
 }
 
 void printJson(const json_t* value) {
-    checkJson(json_dump_callback(value, writeJson, &Console::standard(), jsonFlags) == 0);
+    JsonOutput output{Console::standard()};
+    const int result = json_dump_callback(value, writeJson, &output, jsonFlags);
+    checkJson(result == 0 && !output.outOfMemory);
 }
 
 }  // namespace
