@@ -3,11 +3,19 @@
 #include "arkeon/text.h"
 #include "cmdframework/Logcmd.h"
 
-void ArgumentRules::reject(usageExceptions code, const std::string& message) const {
-    log_.logit(message, logLevel::ordinary);
+namespace {
+
+CUsagecmd failureWith(usageExceptions code, const std::string& message) {
     CUsagecmd failure(code);
     failure.SetUsagemessage(message.c_str());
-    throw failure;
+    return failure;
+}
+
+}  // namespace
+
+void ArgumentRules::reject(usageExceptions code, const std::string& message) const {
+    log_.logit(message, logLevel::ordinary);
+    throw failureWith(code, message);
 }
 
 void ArgumentRules::rejectHelpAlias() const {

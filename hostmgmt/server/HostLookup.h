@@ -9,7 +9,7 @@ class CLogcmd;
 class PrimaryServer;
 
 /// The outcome of looking for a host ID.
-struct HostIdResult {
+struct [[nodiscard]] HostIdResult {
     arkeon::Status status = arkeon::status::success;
     std::string hostId;  ///< not empty if the status is `success`
 };

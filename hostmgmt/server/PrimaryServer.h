@@ -20,7 +20,7 @@ struct ServerRequest {
 };
 
 /// What became of a request.
-struct ServerReply {
+struct [[nodiscard]] ServerReply {
     arkeon::Status status = arkeon::status::success;
     int httpStatus = 0;  ///< 0: no reply arrived
     std::string body;

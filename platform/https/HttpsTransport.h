@@ -25,7 +25,7 @@ struct HttpsRequest {
 };
 
 /// What became of a request.
-struct HttpsReply {
+struct [[nodiscard]] HttpsReply {
     Status status = status::success;  ///< why no complete reply arrived, if it is not `success`
     std::string reason;               ///< the same in English, for the debug log
     int httpStatus = 0;               ///< 0: no complete reply arrived
