@@ -1,3 +1,7 @@
+#include "hostmgmt/server/ServerErrors.h"
+
+#include "arkeon/console.h"
+#include "cmdframework/Logcmd.h"
 #include "cmdframework/Messages.h"
 #include "support/StatusLines.h"
 #include "support/Streams.h"
@@ -88,6 +92,21 @@ TEST(ServerErrors, ForALoginThatIsRefusedOrExpiredTheLoginIsAskedForFirst) {
         EXPECT_EQ(
             LogLines::lines(), (Lines{"16 " + webLogin, std::string("16 ") + getECMessage(code)}));
     }
+}
+
+TEST(ServerErrors, AStatusIsLoggedBeforeItIsPrinted) {
+    CLogcmd log;
+    log.init("/dev/null", "akhostmgmt", "no-folder", [](int, const char* text, const char*) {
+        arkeon::Console::standard().writeError(std::string("logged: ") + text + "\n");
+        return 0;
+    });
+    const std::string login =
+        "Authorization failed. A web login is required. Run the 'akauth -login -loginType "
+        "WEB|APIKEY' command to login.\n";
+    const std::string expired = std::string(getECMessage(118)) + "\n";
+    EXPECT_EQ(
+        printedBy([&] { reportStatus(118, log); }).err,
+        "logged: " + login + login + "logged: " + expired + "Exit Status 118: " + expired);
 }
 
 }  // namespace
