@@ -341,6 +341,7 @@ def run_all(options, chosen):
 
 
 def main():
+    signal.signal(signal.SIGQUIT, signal.SIG_DFL)  # ignored in background jobs
     options = arguments()
     chosen = chosen_cases(options)
     if options.list:
