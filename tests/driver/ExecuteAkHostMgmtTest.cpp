@@ -6,9 +6,11 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <jansson.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -260,6 +262,26 @@ TEST(LostOutput, AReaderThatWentAwayIsNoNews) {
     close(ends[0]);
     EXPECT_EQ(errorsWithOutputOn(ends[1], {"-help"}, 7651), "");
     std::signal(SIGPIPE, before);
+}
+
+TEST(FileSizeLimit, DoesNotEndTheProcess) {
+    const ProgramRun run({"-help"});
+    EXPECT_EQ(std::signal(SIGXFSZ, SIG_DFL), SIG_IGN);
+}
+
+TEST(OutOfMemory, IsOneLineAndStatus20) {
+    CommandLine line({"akhostmgmt", "-list"});
+    const support::TempDir dir;
+    int status = -1;
+    json_set_alloc_funcs([](std::size_t) -> void* { return nullptr; }, std::free);
+    const Printed printed =
+        printedBy([&] { status = runProcess(dir.path().c_str(), line.argc(), line.argv()); });
+    json_set_alloc_funcs(std::malloc, std::free);
+    EXPECT_EQ(status, 20);
+    EXPECT_EQ(
+        printed.err, "Exit Status 20: There is not enough memory; check whether the change was "
+                     "made before trying again.\n");
+    EXPECT_EQ(printed.out, "");
 }
 
 TEST(ShellStatus, KeepsFailuresVisibleInEightBits) {

@@ -173,4 +173,11 @@ TEST(CommentHelp, ShowsTheUsageOfTheOperationThatWasAskedFor) {
     EXPECT_EQ(usageOf<AkHostMgmtComment>({"-dc"}).find("-addcomment"), std::string::npos);
 }
 
+TEST(CommentHelp, ShowsTheSynopsesOfBothOperations) {
+    EXPECT_EQ(
+        printedBy(AkHostMgmtComment::printHelp).out,
+        printedBy(AkHostMgmtComment::printAddCommentHelp).out +
+            printedBy(AkHostMgmtComment::printDeleteCommentHelp).out);
+}
+
 }  // namespace

@@ -264,10 +264,24 @@ TEST(PrimaryHostExist, ComparesByteForByteAndCountsNullAsEmpty) {
 }
 
 TEST(PrintOutput, EachReplyIsParsedForItself) {
+    support::FakeClient client({{0, 200, R"({"hosts":[{}]})"}});
     LogLines lines;
-    AkHostMgmtList operation(parsed({"-list", "-json"}), lines.log);
+    AkHostMgmtList operation(parsed({"-list", "-json", "-server", "p"}), lines.log);
+    printedBy([&] { EXPECT_EQ(operation.execute(), 0); });
     EXPECT_EQ(printedBy([&] { operation.printOutput("{}"); }).out, "{}");
     EXPECT_EQ(printedBy([&] { operation.printOutput("[]"); }).out, "[]");
+}
+
+TEST(MappingRows, ArePrintedForOneHostOrOneFilter) {
+    const support::ScopedVariable zone("TZ", "UTC0");
+    LogLines lines;
+    AkHostMgmtList operation(parsed({"-list"}), lines.log);
+    const JsonRef host(json_loads(hostWith(mapping("\"a\"")).c_str(), 0, nullptr));
+    json_t* mappings = json_object_get(host.get(), "hostMappings");
+    EXPECT_EQ(
+        printedBy([&] { operation.printSortedHostNames(host.get(), ""); }).out, row("a", "No"));
+    EXPECT_EQ(
+        printedBy([&] { operation.printFilteredHostName(mappings, 1, ""); }).out, row("a", "No"));
 }
 
 TEST(JsonFormat, IsIndentedBy3InTheServersOrderWithoutAFinalNewline) {

@@ -36,6 +36,7 @@ TEST(BaseOption, ATextThatIsNotUtf8IsRejectedWithItsKey) {
 TEST(BaseOption, WithoutMemoryThereIsNoPayload) {
     TestOperation test;
     json_set_alloc_funcs([](std::size_t) -> void* { return nullptr; }, std::free);
+    EXPECT_THROW(TestOperation(), std::bad_alloc);
     EXPECT_THROW(test.operation.getJSONpayload(), std::bad_alloc);
     json_set_alloc_funcs(std::malloc, std::free);
 }
@@ -52,12 +53,19 @@ TEST(BaseOption, AnUnreadableReplyGives7610AndLeavesNoPayload) {
         TestOperation test;
         EXPECT_EQ(test.operation.loadJSON(text.c_str()), 7610) << text;
         EXPECT_FALSE(test.operation.hasPayload());
+        EXPECT_EQ(test.operation.getJSONpayload(), "");
         EXPECT_EQ(LogLines::lines(), Lines{"16 load_json() failed:" + text + "\n"});
         long code = 5;
         EXPECT_EQ(test.operation.getIntValue("errorCode", code), 7610);
         EXPECT_EQ(code, 5);
         EXPECT_TRUE(TestOperation::logged("16 No error code in response."));
     }
+}
+
+TEST(BaseOption, TheLastOfTwoEqualMembersOfAReplyCounts) {
+    TestOperation test;
+    EXPECT_EQ(test.operation.loadJSON(R"({"a":1,"a":2})"), 0);
+    EXPECT_EQ(test.operation.getJSONpayload(), R"({"a":2})");
 }
 
 TEST(BaseOption, ANulDoesNotEndAReply) {

@@ -90,6 +90,18 @@ TEST(LocalDate, TheYearIsTheLibrarysFarInTheEastToo) {
     EXPECT_EQ(dateText(253402214399000), byTheLibrary(253402214399));
 }
 
+TEST(LocalDate, AnOffsetThatChangesAtMidnightUtcCountsFromThatSecond) {
+    const support::ScopedVariable zone("TZ", "AAA0BBB,J60/0,J300/0");
+    EXPECT_EQ(dateText(1772323199000), "Feb 28, 2026 11:59:59 PM");
+    EXPECT_EQ(dateText(1772323200000), "Mar 01, 2026 01:00:00 AM");
+}
+
+TEST(LocalDate, AnOffsetThatChangedAtMidnightUtcBefore1970CountsFromThatSecond) {
+    const support::ScopedVariable zone("TZ", "Europe/Lisbon");
+    EXPECT_EQ(dateText(-1830384001000), "Dec 31, 1911 11:23:14 PM");
+    EXPECT_EQ(dateText(-1830384000000), "Jan 01, 1912 12:00:00 AM");
+}
+
 /// In a process of its own, which asks for no other zone.
 TEST_P(LocalDateZone, IsWhatTheLibrarySays) {
     EXPECT_EXIT(

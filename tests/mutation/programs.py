@@ -90,7 +90,8 @@ class Build:
         asked = ["ninja", "-C", self.build, "-t", "commands", "-s", target]
         shown = subprocess.run(asked, check=True, capture_output=True, text=True).stdout
         command = shown.strip().splitlines()[-1].removeprefix(": && ").split(" && ")[0]
-        words = shlex.split(command)
+        # shlex keeps the backslash of "\$ORIGIN", which the shell removes.
+        words = [word.replace("\\$", "$") for word in shlex.split(command)]
         program = self.folder / "bin" / pathlib.Path(target).name
         words[words.index("-o") + 1] = str(program)
         mutated = [self._archive(word) for word in words]

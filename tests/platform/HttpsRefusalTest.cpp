@@ -61,8 +61,9 @@ TEST_F(HttpsRefusalTest, HeaderLinesThatCannotBeSentAsTheyAre) {
     const std::string withNul("X-A: a\0b", 8);
     for (const std::string& line :
          {std::string("X-A: a\r\nX-B: c"), std::string("X-A: a\n"), std::string("X-A: a\tb"),
-          std::string("X-A: \x7f"), std::string("no colon"), std::string(": no name"),
-          std::string("X A: blank in the name"), std::string("X;A: b"), std::string(), withNul}) {
+          std::string("X-A: \x7f"), std::string("no colon"), std::string("no-colon"),
+          std::string(": no name"), std::string("X A: blank in the name"), std::string("X;A: b"),
+          std::string(), withNul}) {
         auto refusing = client();
         refusing.setupAcceptCurlOption(line);
         EXPECT_EQ(refusing.Get("hosts"), status::invalidRequestTarget) << line;
@@ -70,6 +71,7 @@ TEST_F(HttpsRefusalTest, HeaderLinesThatCannotBeSentAsTheyAre) {
     auto refusing = client();
     refusing.addHeaderField("Accept: ", "a\r\nb: c");
     EXPECT_EQ(refusing.Delete("hosts"), status::invalidRequestTarget);
+    EXPECT_THAT(log_.text(), HasSubstr("16 arkeon: not a header line: \"no colon\"\n"));
 }
 
 TEST_F(HttpsRefusalTest, PortsThatAreNone) {

@@ -5,6 +5,7 @@
 
 using support::ScopedVariable;
 using support::TlsScriptServer;
+using testing::ContainsRegex;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
@@ -107,7 +108,9 @@ TEST_F(HttpsRequestTest, HeaderWithEmptyValueReachesTheWire) {
 
 TEST_F(HttpsRequestTest, HeaderLineIsSentAsItIs) {
     client_.setupAcceptCurlOption("X-Arkeon-Audit-Reason: a%20b; c: d");
+    client_.setupAcceptCurlOption("X-A:b");
     ASSERT_EQ(client_.Delete("hosts/1"), 0);
+    EXPECT_THAT(onlyRequest(), HasSubstr("\r\nX-A:b\r\n"));
     EXPECT_THAT(onlyRequest(), HasSubstr("\r\nX-Arkeon-Audit-Reason: a%20b; c: d\r\n"));
 }
 
@@ -121,6 +124,13 @@ TEST_F(HttpsRequestTest, TokenGoesIntoTheAuthorizationHeaderAndNowhereElse) {
     EXPECT_EQ(onlyRequest().find(testToken), onlyRequest().rfind(testToken));
     EXPECT_NE(client.Get("hosts"), 0);
     EXPECT_THAT(log_.text(), Not(HasSubstr(testToken)));
+}
+
+TEST_F(HttpsRequestTest, ReplyIsLoggedWithTargetStatusSizeAndDuration) {
+    ASSERT_EQ(client_.Get("hosts"), 0);
+    EXPECT_THAT(
+        log_.text(),
+        ContainsRegex("2 arkeon: GET /hosts: HTTP status 200, 2 bytes, [0-9]{1,4} ms\n"));
 }
 
 TEST_F(HttpsRequestTest, HostCertificateIsPresented) {

@@ -15,7 +15,8 @@ TEST(ServerName, NamesAndAddresses) {
          {std::string("a"), std::string("Primary-1.example.com"), std::string("a_b.c"),
           std::string("example.com."), std::string("1a"), std::string("1.a"),
           std::string("127.0.0.1"), std::string("::1"), std::string("[::1]"),
-          std::string("2001:db8::ffff:1.2.3.4"), std::string("xn--mller-kva.de"), label, longest,
+          std::string("2001:db8::ffff:1.2.3.4"), std::string("xn--mller-kva.de"),
+          std::string("0xg"), std::string("0xG"), std::string("0x-1"), label, longest,
           longest + '.'}) {
         EXPECT_TRUE(isServerName(name)) << name;
     }
@@ -44,6 +45,7 @@ TEST(ServerName, EverythingElse) {
           std::string("127.1"),
           std::string("0x7f000001"),
           std::string("127.0.0.0X1"),
+          std::string("0xafAF"),
           std::string("2130706433"),
           std::string("1.2.3.4.5"),
           std::string("256.0.0.1"),
