@@ -191,6 +191,9 @@ int AkHostMgmtList::printHosts(std::string response) {
         return reportNothingFound();
     }
     printOutput(std::move(response));
+    // Releasing a large reply takes time and the process is about to end, so it stays reachable.
+    static JsonRef& printedReply = *new JsonRef;
+    printedReply = payload.take();
     return arkeon::status::success;
 }
 
@@ -226,9 +229,6 @@ void AkHostMgmtList::printOutput(std::string response) {
     } else {
         printer().printHosts(json_object_get(payload, "hosts"));
     }
-    // Releasing a large reply takes time and the process is about to end, so it stays reachable.
-    static JsonRef& printedReply = *new JsonRef;
-    printedReply = payload.take();
 }
 
 ListPrinter AkHostMgmtList::printer() const {
