@@ -29,10 +29,13 @@ constexpr CatalogueText mappingUpdated = catalogued("SmeHmm0005N", "%s is succes
 }  // namespace
 
 const PARAMETERS AkHostMgmtAdd::paramList[] = {
-    optionRow(1, option::server, stringValue), optionRow(2, option::hostid, stringValue),
-    optionRow(3, option::host, stringValue),   optionRow(4, option::mappingname, stringValue),
-    optionRow(5, option::isshared, noValue),   optionRow(6, option::reason, stringValue),
-    optionRow(7, option::help, noValue),
+    optionRow(1, option::server, parameterTypes::stringValue),
+    optionRow(2, option::hostid, parameterTypes::stringValue),
+    optionRow(3, option::host, parameterTypes::stringValue),
+    optionRow(4, option::mappingname, parameterTypes::stringValue),
+    optionRow(5, option::isshared, parameterTypes::noValue),
+    optionRow(6, option::reason, parameterTypes::stringValue),
+    optionRow(7, option::help, parameterTypes::noValue),
 };
 
 AkHostMgmtAdd::AkHostMgmtAdd(CArgscmd newArgs, CLogcmd& commandLog)

@@ -49,10 +49,10 @@ bool isOneOf(const std::string& answer, const char* word, const char* letter) {
 }  // namespace
 
 const PARAMETERS AkHostMgmtAddHost::paramList[] = {
-    optionRow(1, option::server, stringValue),
-    optionRow(2, option::host, stringValue),
-    optionRow(3, option::reason, stringValue),
-    optionRow(4, option::help, noValue),
+    optionRow(1, option::server, parameterTypes::stringValue),
+    optionRow(2, option::host, parameterTypes::stringValue),
+    optionRow(3, option::reason, parameterTypes::stringValue),
+    optionRow(4, option::help, parameterTypes::noValue),
 };
 
 AkHostMgmtAddHost::AkHostMgmtAddHost(CArgscmd newArgs, CLogcmd& commandLog)

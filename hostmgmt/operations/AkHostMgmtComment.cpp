@@ -59,9 +59,11 @@ std::string flagLine(const char* label, bool flag) {
 }  // namespace
 
 const PARAMETERS AkHostMgmtComment::paramList[] = {
-    optionRow(1, option::server, stringValue), optionRow(2, option::hostid, stringValue),
-    optionRow(3, option::host, stringValue),   optionRow(4, option::comment, stringValue),
-    optionRow(5, option::help, noValue),
+    optionRow(1, option::server, parameterTypes::stringValue),
+    optionRow(2, option::hostid, parameterTypes::stringValue),
+    optionRow(3, option::host, parameterTypes::stringValue),
+    optionRow(4, option::comment, parameterTypes::stringValue),
+    optionRow(5, option::help, parameterTypes::noValue),
 };
 
 AkHostMgmtComment::AkHostMgmtComment(CArgscmd newArgs, CLogcmd& commandLog)

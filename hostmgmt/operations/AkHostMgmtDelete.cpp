@@ -26,9 +26,12 @@ constexpr CatalogueText mappingRemoved =
 }  // namespace
 
 const PARAMETERS AkHostMgmtDelete::paramList[] = {
-    optionRow(1, option::server, stringValue), optionRow(2, option::hostid, stringValue),
-    optionRow(3, option::host, stringValue),   optionRow(4, option::mappingname, stringValue),
-    optionRow(5, option::reason, stringValue), optionRow(6, option::help, noValue),
+    optionRow(1, option::server, parameterTypes::stringValue),
+    optionRow(2, option::hostid, parameterTypes::stringValue),
+    optionRow(3, option::host, parameterTypes::stringValue),
+    optionRow(4, option::mappingname, parameterTypes::stringValue),
+    optionRow(5, option::reason, parameterTypes::stringValue),
+    optionRow(6, option::help, parameterTypes::noValue),
 };
 
 AkHostMgmtDelete::AkHostMgmtDelete(CArgscmd newArgs, CLogcmd& commandLog)

@@ -71,12 +71,17 @@ void printJson(const json_t* value) {
 }  // namespace
 
 const PARAMETERS AkHostMgmtList::paramList[] = {
-    optionRow(1, option::server, stringValue), optionRow(2, option::hostid, stringValue),
-    optionRow(3, option::host, stringValue),   optionRow(4, option::shortOutput, noValue),
-    optionRow(5, option::json, noValue),       optionRow(6, option::jsonCompact, noValue),
-    optionRow(7, option::approved, noValue),   optionRow(8, option::pending, noValue),
-    optionRow(9, option::conflict, noValue),   optionRow(10, option::apvmappings, noValue),
-    optionRow(11, option::help, noValue),
+    optionRow(1, option::server, parameterTypes::stringValue),
+    optionRow(2, option::hostid, parameterTypes::stringValue),
+    optionRow(3, option::host, parameterTypes::stringValue),
+    optionRow(4, option::shortOutput, parameterTypes::noValue),
+    optionRow(5, option::json, parameterTypes::noValue),
+    optionRow(6, option::jsonCompact, parameterTypes::noValue),
+    optionRow(7, option::approved, parameterTypes::noValue),
+    optionRow(8, option::pending, parameterTypes::noValue),
+    optionRow(9, option::conflict, parameterTypes::noValue),
+    optionRow(10, option::apvmappings, parameterTypes::noValue),
+    optionRow(11, option::help, parameterTypes::noValue),
 };
 
 AkHostMgmtList::AkHostMgmtList(CArgscmd newArgs, CLogcmd& commandLog)

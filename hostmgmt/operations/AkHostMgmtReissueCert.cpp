@@ -42,9 +42,12 @@ constexpr CatalogueText disabled =
 }  // namespace
 
 const PARAMETERS AkHostMgmtReissueCert::paramList[] = {
-    optionRow(1, option::server, stringValue),        optionRow(2, option::hostid, stringValue),
-    optionRow(3, option::host, stringValue),          optionRow(4, option::reason, stringValue),
-    optionRow(5, option::autoreissue, unsignedValue), optionRow(6, option::help, noValue),
+    optionRow(1, option::server, parameterTypes::stringValue),
+    optionRow(2, option::hostid, parameterTypes::stringValue),
+    optionRow(3, option::host, parameterTypes::stringValue),
+    optionRow(4, option::reason, parameterTypes::stringValue),
+    optionRow(5, option::autoreissue, parameterTypes::unsignedValue),
+    optionRow(6, option::help, parameterTypes::noValue),
 };
 
 AkHostMgmtReissueCert::AkHostMgmtReissueCert(CArgscmd newArgs, CLogcmd& commandLog)

@@ -26,9 +26,12 @@ constexpr CatalogueText hostUpdated =
 }  // namespace
 
 const PARAMETERS AkHostMgmtUpdateHost::paramList[] = {
-    optionRow(1, option::server, stringValue), optionRow(2, option::hostid, stringValue),
-    optionRow(3, option::host, stringValue),   optionRow(4, option::newhostname, stringValue),
-    optionRow(5, option::reason, stringValue), optionRow(6, option::help, noValue),
+    optionRow(1, option::server, parameterTypes::stringValue),
+    optionRow(2, option::hostid, parameterTypes::stringValue),
+    optionRow(3, option::host, parameterTypes::stringValue),
+    optionRow(4, option::newhostname, parameterTypes::stringValue),
+    optionRow(5, option::reason, parameterTypes::stringValue),
+    optionRow(6, option::help, parameterTypes::noValue),
 };
 
 AkHostMgmtUpdateHost::AkHostMgmtUpdateHost(CArgscmd newArgs, CLogcmd& commandLog)
